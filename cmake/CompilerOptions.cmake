@@ -1,0 +1,27 @@
+# Options that every target of ours takes: warnings, hardening, reproducible paths, sanitizers.
+
+add_library(tk_options INTERFACE)
+
+target_compile_options(tk_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror
+    -fstack-protector-strong -fcf-protection=full
+    # A record or an assertion names the path within the repository, whatever folder it was
+    # built in; the build folder comes last because the last matching map wins.
+    "-ffile-prefix-map=${CMAKE_SOURCE_DIR}/="
+    "-ffile-prefix-map=${CMAKE_SOURCE_DIR}=."
+    "-ffile-prefix-map=${CMAKE_BINARY_DIR}=build")
+target_compile_definitions(tk_options INTERFACE
+    $<$<AND:$<CONFIG:Release>,$<STREQUAL:${TK_SANITIZER},none>>:_FORTIFY_SOURCE=2>)
+target_link_options(tk_options INTERFACE
+    -Wl,-z,relro,-z,now,-z,noexecstack -Wl,--as-needed)
+
+if(TK_SANITIZER STREQUAL "address")
+    set(tk_sanitizer_flags -fsanitize=address,undefined -fno-sanitize-recover=all
+        -fno-omit-frame-pointer)
+elseif(TK_SANITIZER STREQUAL "thread")
+    set(tk_sanitizer_flags -fsanitize=thread -fno-omit-frame-pointer)
+elseif(NOT TK_SANITIZER STREQUAL "none")
+    message(FATAL_ERROR "TK_SANITIZER must be none, address or thread")
+endif()
+target_compile_options(tk_options INTERFACE ${tk_sanitizer_flags})
+target_link_options(tk_options INTERFACE ${tk_sanitizer_flags})

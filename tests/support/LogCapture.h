@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "AppLog.h"
+
+/// One record as the sink received it.
+struct CapturedRecord {
+    std::uint32_t severity;
+    std::string text;
+    std::string messageName;
+    std::uint32_t messageId;
+    char level;
+};
+
+/// Keeps the log's records for as long as it lives. Records may come from any thread.
+class LogCapture {
+public:
+    LogCapture();
+
+    /// Every record so far, in order.
+    [[nodiscard]] std::vector<CapturedRecord> Records() const;
+
+    /// Every record so far as "E message", without function, file and line. A failed call reads
+    /// as "E invoked function returned 0xFE000002".
+    [[nodiscard]] std::vector<std::string> Lines() const;
+
+    /// Blocks until at least so many records have come; false when the test deadline passed.
+    [[nodiscard]] bool WaitForRecords(std::size_t count) const;
+
+    /// Forgets what has come so far.
+    void Clear();
+
+private:
+    class Store;
+    std::shared_ptr<Store> m_store;
+    ResultCode m_result = 0;
+    CAppLog m_log;
+};

@@ -1,0 +1,112 @@
+#include "AppLog.h"
+
+#include <atomic>
+#include <cstdarg>
+#include <memory>
+
+#include "BoundedFormat.h"
+#include "EventMessages.h"
+#include "ManualLock.h"
+#include "ResultCodeTable.h"
+#include "SyslogLogger.h"
+
+namespace {
+
+constexpr std::size_t kMessageSize = 1024;
+constexpr std::size_t kRecordSize = 2048;
+constexpr unsigned kSpinCount = 500;
+
+// Read by the logging path without a lock; written under the log lock.
+std::atomic<ILogger*> installedLogger{nullptr};
+std::uint32_t referenceCount = 0;
+
+CManualLock& LogLock() {
+    static CManualLock lock(kSpinCount);
+    return lock;
+}
+
+const char* NameOrUnknown(std::uint32_t code) {
+    const char* const name = GetResultCodeName(code);
+    return name != nullptr ? name : "unknown";
+}
+
+void WriteRecord(std::uint32_t messageId, std::uint32_t level, std::va_list arguments) {
+    const EventMessage& message = FindEventMessage(messageId);
+    char record[kRecordSize] = "";
+    BoundedFormat(record, sizeof record, message.format, arguments);
+    if (ILogger* const logger = installedLogger) {
+        logger->Log(message.severity, record, message.name, messageId, level);
+    }
+}
+
+}  // namespace
+
+void LogMessageById(std::uint32_t messageId, std::uint32_t level, ...) {
+    std::va_list arguments;
+    va_start(arguments, level);
+    WriteRecord(messageId, level, arguments);
+    va_end(arguments);
+}
+
+void LogMessage(const char* function, const char* file, std::uint32_t line, std::uint32_t level,
+                const char* format, ...) {
+    char message[kMessageSize] = "";
+    std::va_list arguments;
+    va_start(arguments, format);
+    BoundedFormat(message, sizeof message, format, arguments);
+    va_end(arguments);
+    LogMessageById(MID_DEBUG_MESSAGE, level, function, file, line, message);
+}
+
+void LogReturnCode(const char* function, const char* file, std::uint32_t line, std::uint32_t level,
+                   const char* invokedFunction, std::uint32_t code, const char* descriptionOverride,
+                   const char* format, ...) {
+    char message[kMessageSize] = "";
+    std::va_list arguments;
+    va_start(arguments, format);
+    BoundedFormat(message, sizeof message, format, arguments);
+    va_end(arguments);
+
+    const char* description = descriptionOverride;
+    const char* trailingMessage = message;
+    if (description == nullptr) {
+        if (code == kSuccess && format != nullptr) {
+            // A success has no name worth printing: its text moves up into the description.
+            description = message;
+            trailingMessage = "";
+        } else {
+            description = NameOrUnknown(code);
+        }
+    }
+    LogMessageById(MID_DEBUG_RETURN_CODE, level, function, file, line, invokedFunction, code, code,
+                   description, trailingMessage);
+}
+
+void LogEvent(std::uint32_t messageId, ...) {
+    std::va_list arguments;
+    va_start(arguments, messageId);
+    WriteRecord(messageId, 'T', arguments);
+    va_end(arguments);
+}
+
+CAppLog::CAppLog(ResultCode& result, const char* identity, ILogger* logger) {
+    const CManualLockGuard guard(LogLock());
+    ++referenceCount;
+    SetResultCodeTable(kResultCodeTable, kResultCodeModuleCount);
+    if (installedLogger == nullptr) {
+        installedLogger = logger != nullptr ? logger : new CSyslogLogger(identity, true);
+    }
+    result = kSuccess;
+}
+
+CAppLog::~CAppLog() {
+    {
+        const CManualLockGuard guard(LogLock());
+        if (referenceCount == 0 || --referenceCount != 0) {
+            return;
+        }
+    }
+    // The deletion stands outside the lock, so that a sink that reports while it ends cannot wait
+    // for the lock that its own end holds.
+    const std::unique_ptr<ILogger> lastLogger(installedLogger.exchange(nullptr));
+}

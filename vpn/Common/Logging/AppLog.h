@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstdint>
+
+#include "ILogger.h"
+#include "ResultCodes.h"
+
+// The application log: the one diagnostic channel of the process. Every entry point may be called
+// on any thread, allocates nothing before the sink, truncates silently and never fails towards
+// its caller; without an installed logger the record is dropped.
+//
+// Levels: 'E' error, 'W' warning, 'I' information, 'T' event; any other letter is a debug record.
+
+#define TK_LOG_ERROR(...) LogMessage(__func__, __FILE__, __LINE__, 'E', __VA_ARGS__)
+#define TK_LOG_WARNING(...) LogMessage(__func__, __FILE__, __LINE__, 'W', __VA_ARGS__)
+#define TK_LOG_INFORMATION(...) LogMessage(__func__, __FILE__, __LINE__, 'I', __VA_ARGS__)
+
+/// Reports at error level that the named function (qualified) gave a non-zero result code.
+#define TK_LOG_FAILED_CALL(invokedFunction, code)                     \
+    LogReturnCode(__func__, __FILE__, __LINE__, 'E', invokedFunction, \
+                  static_cast<std::uint32_t>(code), nullptr, nullptr)
+
+/// Writes a free-text record; at most 1023 characters of the text are kept.
+void LogMessage(const char* function, const char* file, std::uint32_t line, std::uint32_t level,
+                const char* format, ...) __attribute__((format(printf, 5, 6)));
+
+/// Writes the record of a call and its result code. The description is the override, else the
+/// code's name, else "unknown"; for code 0 a given text takes the description's place.
+void LogReturnCode(const char* function, const char* file, std::uint32_t line, std::uint32_t level,
+                   const char* invokedFunction, std::uint32_t code, const char* descriptionOverride,
+                   const char* format, ...) __attribute__((format(printf, 8, 9)));
+
+/// Writes a catalogue message by its identifier, with that message's arguments.
+void LogEvent(std::uint32_t messageId, ...);
+
+/// Writes a record of a given message with a given level; the arguments are the message's own.
+void LogMessageById(std::uint32_t messageId, std::uint32_t level, ...);
+
+/// One initialisation of the log. The first installs the sink, the last to go deletes it.
+class CAppLog {
+public:
+    /// Installs the given logger, or one for the system log under the identity when none is
+    /// given. The log owns an installed logger; when there is one already, the given one is
+    /// neither installed nor freed. The result is always set to success.
+    CAppLog(ResultCode& result, const char* identity, ILogger* logger);
+    ~CAppLog();
+    CAppLog(const CAppLog&) = delete;
+    CAppLog& operator=(const CAppLog&) = delete;
+};

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstdint>
+
+constexpr std::uint32_t MID_UNKNOWN = 0;
+constexpr std::uint32_t MID_DEBUG_MESSAGE = 1;
+constexpr std::uint32_t MID_DEBUG_RETURN_CODE = 2;
+constexpr std::uint32_t MID_VERBOSE_MESSAGE = 3;
+
+/// How the records of one message identifier look.
+struct EventMessage {
+    const char* name;
+    std::uint32_t severity;  ///< 0 to 6: a fixed priority; 7: the caller's level decides
+    const char* format;      ///< printf-style
+};
+
+/// The definition of an identifier, valid for the whole process; identifiers without a record
+/// share one default with an empty format. Any thread.
+const EventMessage& FindEventMessage(std::uint32_t messageId);

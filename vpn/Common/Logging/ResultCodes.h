@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+
+/// Outcome of an operation: 0 is success, any other value is a failure. A value of the suite's
+/// table is 0xFE000000 | module << 16 | index; other values (an errno, say) have no name.
+/// It never exceeds 32 bits.
+using ResultCode = unsigned long;
+
+constexpr ResultCode kSuccess = 0;
+constexpr ResultCode GLOBAL_ERROR_BAD_PARAMETER = 0xFE000002;
+constexpr ResultCode GLOBAL_ERROR_UNEXPECTED = 0xFE000009;
+constexpr ResultCode CSTORAGEPATH_ERROR_NO_INSTANCE = 0xFE9D000A;
+constexpr ResultCode CSTORAGEPATH_ERROR_TEMPPATH_TOO_BIG = 0xFE9D000C;
+constexpr ResultCode JSONIPCCLIENT_ERROR_BAD_PARAMETER = 0xFED80002;
+constexpr ResultCode JSONIPCCLIENT_ERROR_IOSERVICE_THREAD_FAILURE = 0xFED8000A;
+constexpr ResultCode JSONIPCCLIENT_ERROR_OPEN_SOCKET_FAILURE = 0xFED8000C;
+constexpr ResultCode BROWSERIPCCLIENT_ERROR_ALREADY_INITIALIZED = 0xFEDA0008;
+constexpr ResultCode BROWSERIPCCLIENT_ERROR_SERIALIZE_FAILURE = 0xFEDA000A;
+constexpr ResultCode APPLOGCUSTOMCONFIG_ERROR_UNEXPECTED = 0xFEDE0009;
+constexpr ResultCode APPLOGCUSTOMCONFIG_ERROR_CONFIG_FILE_NOT_READABLE = 0xFEDE000A;
+constexpr ResultCode APPLOGCUSTOMCONFIG_ERROR_UNABLE_TO_OPEN_CONFIG_FILE = 0xFEDE000B;
+
+/// Name of a result code, some with a description behind a colon, or null when it has none.
+/// An index past the end of its module's names reads as the module's unknown error. Before
+/// SetResultCodeTable() no code has a name. Any thread.
+const char* GetResultCodeName(std::uint32_t code);
