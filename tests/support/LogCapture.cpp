@@ -1,6 +1,7 @@
 #include "LogCapture.h"
 
 #include <condition_variable>
+#include <mutex>
 #include <string_view>
 
 #include "EventMessages.h"

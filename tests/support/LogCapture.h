@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
@@ -17,7 +16,8 @@ struct CapturedRecord {
     char level;
 };
 
-/// Keeps the log's records for as long as it lives. Records may come from any thread.
+/// Keeps the log's records for as long as it lives. Records may come from any thread. There must
+/// be no other sink in the process at the time.
 class LogCapture {
 public:
     LogCapture();

@@ -15,6 +15,7 @@ namespace {
 constexpr std::size_t kMessageSize = 1024;
 constexpr std::size_t kRecordSize = 2048;
 constexpr unsigned kSpinCount = 500;
+constexpr const char* kUnknown = "unknown";
 
 // Read by the logging path without a lock; written under the log lock.
 std::atomic<ILogger*> installedLogger{nullptr};
@@ -27,7 +28,7 @@ CManualLock& LogLock() {
 
 const char* NameOrUnknown(std::uint32_t code) {
     const char* const name = GetResultCodeName(code);
-    return name != nullptr ? name : "unknown";
+    return name != nullptr ? name : kUnknown;
 }
 
 void WriteRecord(std::uint32_t messageId, std::uint32_t level, std::va_list arguments) {
@@ -69,14 +70,14 @@ void LogReturnCode(const char* function, const char* file, std::uint32_t line, s
 
     const char* description = descriptionOverride;
     const char* trailingMessage = message;
-    if (description == nullptr) {
-        if (code == kSuccess && format != nullptr) {
-            // A success has no name worth printing: its text moves up into the description.
-            description = message;
-            trailingMessage = "";
-        } else {
-            description = NameOrUnknown(code);
-        }
+    if (description == nullptr && code != kSuccess) {
+        description = NameOrUnknown(code);
+    } else if (description == nullptr && format != nullptr) {
+        // A success has no name worth printing: its text moves up into the description.
+        description = message;
+        trailingMessage = "";
+    } else if (description == nullptr) {
+        description = kUnknown;
     }
     LogMessageById(MID_DEBUG_RETURN_CODE, level, function, file, line, invokedFunction, code, code,
                    description, trailingMessage);
@@ -92,7 +93,7 @@ void LogEvent(std::uint32_t messageId, ...) {
 CAppLog::CAppLog(ResultCode& result, const char* identity, ILogger* logger) {
     const CManualLockGuard guard(LogLock());
     ++referenceCount;
-    SetResultCodeTable(kResultCodeTable, kResultCodeModuleCount);
+    SetResultCodeTable(kResultCodeTable.data(), kResultCodeModuleCount);
     if (installedLogger == nullptr) {
         installedLogger = logger != nullptr ? logger : new CSyslogLogger(identity, true);
     }
@@ -100,13 +101,11 @@ CAppLog::CAppLog(ResultCode& result, const char* identity, ILogger* logger) {
 }
 
 CAppLog::~CAppLog() {
-    {
-        const CManualLockGuard guard(LogLock());
-        if (referenceCount == 0 || --referenceCount != 0) {
-            return;
-        }
+    // The logger is taken out under the lock and deleted when the lock is free again, so that a
+    // sink that reports or waits for another thread while it ends cannot lock itself out.
+    std::unique_ptr<ILogger> lastLogger;
+    const CManualLockGuard guard(LogLock());
+    if (referenceCount != 0 && --referenceCount == 0) {
+        lastLogger.reset(installedLogger.exchange(nullptr));
     }
-    // The deletion stands outside the lock, so that a sink that reports while it ends cannot wait
-    // for the lock that its own end holds.
-    const std::unique_ptr<ILogger> lastLogger(installedLogger.exchange(nullptr));
 }

@@ -40,8 +40,9 @@ void LogMessageById(std::uint32_t messageId, std::uint32_t level, ...);
 class CAppLog {
 public:
     /// Installs the given logger, or one for the system log under the identity when none is
-    /// given. The log owns an installed logger; when there is one already, the given one is
-    /// neither installed nor freed. The result is always set to success.
+    /// given; the identity must outlive that logger. The log owns an installed logger; when there
+    /// is one already, the given one is neither installed nor freed. The result is always set to
+    /// success.
     CAppLog(ResultCode& result, const char* identity, ILogger* logger);
     ~CAppLog();
     CAppLog(const CAppLog&) = delete;

@@ -9,7 +9,7 @@ namespace {
         prefix "_ERROR_INSUFFICIENT_BUFFER", prefix "_ERROR_NOT_INITIALIZED",                      \
         prefix "_ERROR_ALREADY_INITIALIZED", prefix "_ERROR_UNEXPECTED"
 
-const char* const kGlobalNames[] = {
+constexpr const char* kGlobalNames[] = {
     TK_COMMON_RESULT_NAMES("GLOBAL"),
     "GLOBAL_ERROR_NO_INSTANCE",
     "GLOBAL_ERROR_MGMT_TUNNEL_TERMINATING:used by Agent to signal to user tunnel Downloader that "
@@ -17,7 +17,7 @@ const char* const kGlobalNames[] = {
     "GLOBAL_ERROR_UNKNOWN",
 };
 
-const char* const kStoragePathNames[] = {
+constexpr const char* kStoragePathNames[] = {
     TK_COMMON_RESULT_NAMES("CSTORAGEPATH"),
     "CSTORAGEPATH_ERROR_NO_INSTANCE",
     "CSTORAGEPATH_ERROR_GETTEMPPATH_FAILED",
@@ -25,7 +25,7 @@ const char* const kStoragePathNames[] = {
     "CSTORAGEPATH_ERROR_UNKNOWN",
 };
 
-const char* const kNamedMutexNames[] = {
+constexpr const char* kNamedMutexNames[] = {
     TK_COMMON_RESULT_NAMES("NAMEDMUTEX"),  "NAMEDMUTEX_ERROR_ALREADY_EXISTS",
     "NAMEDMUTEX_ERROR_CREATE_FILE_FAILED", "NAMEDMUTEX_ERROR_SET_PERMISSION_FAILED",
     "NAMEDMUTEX_ERROR_CREATE_LOCK_FAILED", "NAMEDMUTEX_ERROR_OPEN_FAILED",
@@ -34,7 +34,7 @@ const char* const kNamedMutexNames[] = {
     "NAMEDMUTEX_ERROR_SET_DACL_FAILED",    "NAMEDMUTEX_ERROR_UNKNOWN",
 };
 
-const char* const kJsonIpcClientNames[] = {
+constexpr const char* kJsonIpcClientNames[] = {
     TK_COMMON_RESULT_NAMES("JSONIPCCLIENT"),
     "JSONIPCCLIENT_ERROR_IOSERVICE_THREAD_FAILURE",
     "JSONIPCCLIENT_ERROR_STOP_THREAD_FAILURE",
@@ -42,7 +42,7 @@ const char* const kJsonIpcClientNames[] = {
     "JSONIPCCLIENT_ERROR_UNKNOWN",
 };
 
-const char* const kJsonIpcServerNames[] = {
+constexpr const char* kJsonIpcServerNames[] = {
     TK_COMMON_RESULT_NAMES("JSONIPCSERVER"),
     "JSONIPCSERVER_ERROR_IOSERVICE_THREAD_FAILURE",
     "JSONIPCSERVER_ERROR_STOP_THREAD_FAILURE",
@@ -54,32 +54,32 @@ const char* const kJsonIpcServerNames[] = {
     "JSONIPCSERVER_ERROR_UNKNOWN",
 };
 
-const char* const kBrowserIpcClientNames[] = {
+constexpr const char* kBrowserIpcClientNames[] = {
     TK_COMMON_RESULT_NAMES("BROWSERIPCCLIENT"),
     "BROWSERIPCCLIENT_ERROR_SERIALIZE_FAILURE",
     "BROWSERIPCCLIENT_ERROR_UNKNOWN",
 };
 
-const char* const kBrowserIpcServerNames[] = {
+constexpr const char* kBrowserIpcServerNames[] = {
     TK_COMMON_RESULT_NAMES("BROWSERIPCSERVER"),
     "BROWSERIPCSERVER_ERROR_SERIALIZE_FAILURE",
     "BROWSERIPCSERVER_ERROR_UNKNOWN",
 };
 
-const char* const kWebHelperPluginNames[] = {
+constexpr const char* kWebHelperPluginNames[] = {
     TK_COMMON_RESULT_NAMES("WEBHELPERPLUGIN"),
     "WEBHELPERPLUGIN_ERROR_MISSING_DEPENDENCY",
     "WEBHELPERPLUGIN_ERROR_INVALID_STATE",
     "WEBHELPERPLUGIN_ERROR_UNKNOWN",
 };
 
-const char* const kSimpleBrowserPopupDialogNames[] = {
+constexpr const char* kSimpleBrowserPopupDialogNames[] = {
     TK_COMMON_RESULT_NAMES("SIMPLEBROWSER_POPUPDLG"),
     "SIMPLEBROWSER_POPUPDLG_ERROR_IPC_REGISTER_FAILURE",
     "SIMPLEBROWSER_POPUPDLG_ERROR_UNKNOWN",
 };
 
-const char* const kAppLogCustomConfigNames[] = {
+constexpr const char* kAppLogCustomConfigNames[] = {
     TK_COMMON_RESULT_NAMES("APPLOGCUSTOMCONFIG"),
     "APPLOGCUSTOMCONFIG_ERROR_CONFIG_FILE_NOT_READABLE",
     "APPLOGCUSTOMCONFIG_ERROR_UNABLE_TO_OPEN_CONFIG_FILE",
@@ -88,250 +88,35 @@ const char* const kAppLogCustomConfigNames[] = {
 
 #undef TK_COMMON_RESULT_NAMES
 
-const char* const kPlaceholderNames[] = {"DUMMY_ERROR_NOT_IMPLEMENTED"};
+constexpr const char* kPlaceholderNames[] = {"DUMMY_ERROR_NOT_IMPLEMENTED"};
 
 template <std::uint32_t Count>
 constexpr ResultCodeModule Module(const char* const (&names)[Count]) {
     return {Count, names};
 }
 
-constexpr ResultCodeModule kEmpty{0, nullptr};
-constexpr ResultCodeModule kPlaceholder = Module(kPlaceholderNames);
+constexpr std::uint32_t kPlaceholderSlots[] = {111, 125, 133, 134, 135, 136,
+                                               193, 194, 195, 196, 198};
+
+// Slots of the suite's other components, whose codes this program never produces, stay empty.
+constexpr ResultCodeTable MakeTable() {
+    ResultCodeTable table{};
+    for (const std::uint32_t slot : kPlaceholderSlots) {
+        table[slot] = Module(kPlaceholderNames);
+    }
+    table[0] = Module(kGlobalNames);
+    table[157] = Module(kStoragePathNames);
+    table[215] = Module(kNamedMutexNames);
+    table[216] = Module(kJsonIpcClientNames);
+    table[217] = Module(kJsonIpcServerNames);
+    table[218] = Module(kBrowserIpcClientNames);
+    table[219] = Module(kBrowserIpcServerNames);
+    table[220] = Module(kWebHelperPluginNames);
+    table[221] = Module(kSimpleBrowserPopupDialogNames);
+    table[222] = Module(kAppLogCustomConfigNames);
+    return table;
+}
 
 }  // namespace
 
-// Slots of the suite's other components, whose codes this program never produces, are empty.
-const ResultCodeModule kResultCodeTable[kResultCodeModuleCount] = {
-    Module(kGlobalNames),  // 0
-    // 1 to 110
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kPlaceholder,  // 111
-    // 112 to 124
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kPlaceholder,  // 125
-    // 126 to 132
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kPlaceholder,  // 133
-    kPlaceholder,  // 134
-    kPlaceholder,  // 135
-    kPlaceholder,  // 136
-    // 137 to 156
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    Module(kStoragePathNames),  // 157
-    // 158 to 192
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kPlaceholder,  // 193
-    kPlaceholder,  // 194
-    kPlaceholder,  // 195
-    kPlaceholder,  // 196
-    // 197
-    kEmpty,
-    kPlaceholder,  // 198
-    // 199 to 214
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    kEmpty,
-    Module(kNamedMutexNames),                // 215
-    Module(kJsonIpcClientNames),             // 216
-    Module(kJsonIpcServerNames),             // 217
-    Module(kBrowserIpcClientNames),          // 218
-    Module(kBrowserIpcServerNames),          // 219
-    Module(kWebHelperPluginNames),           // 220
-    Module(kSimpleBrowserPopupDialogNames),  // 221
-    Module(kAppLogCustomConfigNames),        // 222
-    // 223
-    kEmpty,
-};
+constexpr ResultCodeTable kResultCodeTable = MakeTable();
