@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+
+/// Which pieces of the machine a test program gets a copy of its own of.
+struct PrivateWorld {
+    /// The user's home, in the password database and in HOME, is an empty folder.
+    bool home = true;
+    /// /opt holds no "velto", and whatever is put there stays private.
+    bool opt = true;
+    /// /dev has no "log", and a socket can be made there.
+    bool dev = true;
+    /// A PEM file of the only certificate authorities to trust; empty leaves the machine's.
+    std::string trustedCertificates;
+};
+
+/// Moves the process into a mount namespace of its own, where it and its children see these
+/// pieces instead of the machine's; all of it vanishes with them. To be called at the start of
+/// main, before there is any thread. Needs no privilege beyond user namespaces, and keeps the
+/// user's id. On failure says why on standard error and gives false.
+[[nodiscard]] bool EnterPrivateWorld(const PrivateWorld& world);
