@@ -1,0 +1,12 @@
+#pragma once
+
+#include "BrowserTypes.h"
+
+/// How an operation ended. The text is the record's own, as in IBrowserOperation.
+class IBrowserResult {
+public:
+    virtual ~IBrowserResult() = default;
+
+    [[nodiscard]] virtual BrowserResultType GetResultType() const = 0;
+    [[nodiscard]] virtual const char* GetCookieValue() const = 0;
+};
