@@ -1,0 +1,57 @@
+#include "AgentServer.h"
+
+#include <netinet/in.h>
+#include <sys/socket.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "Waiting.h"
+
+namespace {
+
+sockaddr_in LoopbackAddress(std::uint16_t port) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(port);
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    return address;
+}
+
+// The socket functions take every address as a plain sockaddr.
+sockaddr* Plain(sockaddr_in& address) {
+    return reinterpret_cast<sockaddr*>(&address);
+}
+
+// A port whose last connection was closed from our side may be taken again at once.
+bool BindAndListen(int descriptor, sockaddr_in& address) {
+    const int reuse = 1;
+    socklen_t size = sizeof(address);
+    return setsockopt(descriptor, SOL_SOCKET, SO_REUSEADDR, &reuse, sizeof(reuse)) == 0 &&
+           bind(descriptor, Plain(address), size) == 0 && listen(descriptor, SOMAXCONN) == 0 &&
+           getsockname(descriptor, Plain(address), &size) == 0;
+}
+
+}  // namespace
+
+bool CAgentServer::Listen(std::string& reason, std::uint16_t port) {
+    sockaddr_in address = LoopbackAddress(port);
+    m_socket.Reset(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    if (!m_socket.IsOpen() || !BindAndListen(m_socket.Get(), address)) {
+        reason = std::strerror(errno);
+        m_socket.Reset();
+        return false;
+    }
+    m_port = ntohs(address.sin_port);
+    return true;
+}
+
+std::optional<CHelperConnection> CAgentServer::Accept(Deadline deadline) {
+    while (WaitReadable({m_socket.Get()}, deadline).has_value()) {
+        CUniqueFd accepted(accept4(m_socket.Get(), nullptr, nullptr, SOCK_CLOEXEC));
+        if (accepted.IsOpen()) {
+            return CHelperConnection(std::move(accepted));
+        }
+    }
+    return std::nullopt;
+}

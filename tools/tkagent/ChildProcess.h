@@ -1,0 +1,66 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Deadline.h"
+#include "UniqueFd.h"
+
+/// How a process is started.
+struct ChildCommand {
+    /// The program's path, then its arguments.
+    std::vector<std::string> arguments;
+    /// Changes to the inherited environment: a new value, or nothing to remove the variable.
+    std::map<std::string, std::optional<std::string>> environment;
+    /// Descriptors that become the child's standard streams; -1 inherits ours, except that
+    /// standard input is then empty.
+    int input = -1;
+    int output = -1;
+    int error = -1;
+};
+
+/// How a process ended.
+struct ChildEnd {
+    bool signalled = false;
+    /// The exit status, or the signal's number.
+    int code = 0;
+
+    [[nodiscard]] bool IsSuccess() const { return !signalled && code == 0; }
+    /// "exited with status 1" or "was killed by SIGSEGV".
+    [[nodiscard]] std::string Text() const;
+};
+
+/// One child process. It inherits no descriptor but its standard streams. It is killed when this
+/// object goes, and by the kernel when the thread that started it ends. Thread-unsafe.
+class CChildProcess {
+public:
+    CChildProcess() = default;
+    ~CChildProcess();
+    CChildProcess(const CChildProcess&) = delete;
+    CChildProcess& operator=(const CChildProcess&) = delete;
+
+    /// Starts the program, once per object. On failure the reason says why.
+    [[nodiscard]] bool Start(const ChildCommand& command, std::string& reason);
+
+    [[nodiscard]] pid_t Pid() const { return m_pid; }
+    /// A descriptor that can be read once the process has ended; -1 before the start.
+    [[nodiscard]] int EndDescriptor() const { return m_pidFd.Get(); }
+
+    /// How the process ended; nothing when it was never started or the deadline passed.
+    [[nodiscard]] std::optional<ChildEnd> WaitForEnd(Deadline deadline);
+
+    /// Sends a signal; nothing happens once the process has ended.
+    void Signal(int number) const;
+
+private:
+    [[nodiscard]] bool Watch(std::string& reason);
+    void Reap();
+
+    pid_t m_pid = -1;
+    CUniqueFd m_pidFd;
+    std::optional<ChildEnd> m_end;
+};
