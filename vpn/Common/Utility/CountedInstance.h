@@ -1,0 +1,73 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+
+#include "AppLog.h"
+#include "ResultCodes.h"
+
+/// The one live object of a class and the number of its holders. The class is built from an
+/// out-parameter for a result code and a string. Any thread, but for CreateSingletonInstance().
+template <class T>
+class CCountedInstance {
+public:
+    constexpr CCountedInstance() = default;
+
+    /// Makes the instance, or acquires the one that is there. Without a lock around the check:
+    /// called once at start-up, before there are other threads.
+    [[nodiscard]] ResultCode CreateSingletonInstance(T*& instance, const char* className,
+                                                     const std::string& argument) {
+        instance = nullptr;
+        if (m_instance != nullptr || m_referenceCount != 0) {
+            instance = AcquireInstance();
+            return kSuccess;
+        }
+        ResultCode result = kSuccess;
+        auto created = std::make_unique<T>(result, argument);
+        if (result != kSuccess) {
+            ReleaseInstance(created.release());
+            TK_LOG_FAILED_CALL(className, result);
+            return result;
+        }
+        m_instance = created.release();
+        m_referenceCount = 1;
+        instance = m_instance;
+        return kSuccess;
+    }
+
+    /// The instance with one more holder, or null when there is none.
+    T* AcquireInstance() {
+        const std::lock_guard<std::mutex> guard(m_mutex);
+        if (m_instance != nullptr) {
+            ++m_referenceCount;
+        }
+        return m_instance;
+    }
+
+    /// Takes a holder away and destroys the object with the last one. An object that is not the
+    /// instance is destroyed at once: that is how a half-made one is disposed of.
+    void ReleaseInstance(T* instance) {
+        {
+            const std::lock_guard<std::mutex> guard(m_mutex);
+            if (instance != nullptr && instance == m_instance) {
+                if (--m_referenceCount != 0) {
+                    return;
+                }
+                m_instance = nullptr;
+            }
+        }
+        const std::unique_ptr<T> disposed(instance);
+    }
+
+    std::uint32_t GetInstanceRefCount() {
+        const std::lock_guard<std::mutex> guard(m_mutex);
+        return m_referenceCount;
+    }
+
+private:
+    std::mutex m_mutex;
+    T* m_instance = nullptr;
+    std::uint32_t m_referenceCount = 0;
+};

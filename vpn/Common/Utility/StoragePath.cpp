@@ -1,0 +1,110 @@
+#include "StoragePath.h"
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <optional>
+#include <vector>
+
+#include "AppLog.h"
+#include "CountedInstance.h"
+#include "InstallRoot.h"
+
+namespace {
+
+constexpr std::int32_t kManagementTunnelProfile = 1;
+constexpr std::size_t kFirstPasswordBufferSize = 1024;
+
+CCountedInstance<CStoragePath> storagePath;
+
+// Home folder in the entry that the query, a getpw*_r function with its key bound, finds.
+template <class Query>
+std::optional<std::string> HomeDirectory(Query query) {
+    std::vector<char> buffer(kFirstPasswordBufferSize);
+    struct passwd entry = {};
+    struct passwd* found = nullptr;
+    while (query(&entry, buffer.data(), buffer.size(), &found) == ERANGE) {
+        buffer.resize(buffer.size() * 2);
+    }
+    if (found == nullptr || found->pw_dir == nullptr) {
+        return std::nullopt;
+    }
+    return found->pw_dir;
+}
+
+std::optional<std::string> HomeOfUser(const std::string& userName) {
+    return HomeDirectory([&](auto... result) { return getpwnam_r(userName.c_str(), result...); });
+}
+
+std::optional<std::string> HomeOfRealUser() {
+    return HomeDirectory([](auto... result) { return getpwuid_r(getuid(), result...); });
+}
+
+}  // namespace
+
+ResultCode CStoragePath::CreateSingletonInstance(CStoragePath*& instance,
+                                                 const std::string& reserved) {
+    return storagePath.CreateSingletonInstance(instance, "CStoragePath", reserved);
+}
+
+CStoragePath* CStoragePath::AcquireInstance() {
+    return storagePath.AcquireInstance();
+}
+
+void CStoragePath::ReleaseInstance(CStoragePath* instance) {
+    storagePath.ReleaseInstance(instance);
+}
+
+std::uint32_t CStoragePath::GetInstanceRefCount() {
+    return storagePath.GetInstanceRefCount();
+}
+
+CStoragePath::CStoragePath(ResultCode& result, const std::string& /*reserved*/)
+    : m_installRoot(std::string(kInstallRoot) + "/") {
+    result = kSuccess;
+}
+
+std::string CStoragePath::GetInstallPath() const {
+    return m_installRoot;
+}
+
+std::string CStoragePath::GetBinPath() const {
+    return m_installRoot + "bin/";
+}
+
+std::string CStoragePath::GetUserProgramDataPath(const std::string& userName) const {
+    const std::optional<std::string> home =
+        userName.empty() ? HomeOfRealUser() : HomeOfUser(userName);
+    if (!home) {
+        TK_LOG_WARNING("Error retrieving user pswd struct.");
+        // Without a slash: callers of the whole suite know the fallback as exactly this text.
+        return ".";
+    }
+    return *home + "/";
+}
+
+std::string CStoragePath::GetProgramDataPath(bool perUser, const std::string& userName) const {
+    return perUser ? GetUserProgramDataPath(userName) : std::string(kInstallRoot) + "/";
+}
+
+std::string CStoragePath::GetFeedbackModuleDataPath() const {
+    return m_installRoot + "CustomerExperienceFeedback" + "/" + "moduledata";
+}
+
+std::string CStoragePath::GetProfilePath(std::int32_t profileType) const {
+    return m_installRoot +
+           (profileType == kManagementTunnelProfile ? "profile/mgmttun" : "profile");
+}
+
+std::string CStoragePath::GetUILogPath() const {
+    TK_LOG_WARNING(
+        "Call unsupported on CSIDL value provided to CStoragePath::GetUILogPath returned an "
+        "empty string.");
+    return "";
+}
+
+ResultCode CStoragePath::GetTempPath(std::string& path, std::size_t maximumLength) const {
+    path = "/tmp/";
+    return maximumLength < path.size() ? CSTORAGEPATH_ERROR_TEMPPATH_TOO_BIG : kSuccess;
+}
