@@ -1,0 +1,100 @@
+#include "GettextRuntime.h"
+
+#include <libintl.h>
+
+#include <clocale>
+#include <mutex>
+
+#include "TextDomains.h"
+
+#define TK_EXPORTED extern "C" __attribute__((visibility("default")))
+
+namespace {
+
+struct Runtime {
+    std::mutex mutex;
+    CTextDomains domains;
+};
+
+// Made by the first call, since libraries call from their own initialisation, and never destroyed,
+// since they call until the very end.
+Runtime& TheRuntime() {
+    static Runtime* const runtime = new Runtime;
+    return *runtime;
+}
+
+template <class Action>
+auto WithDomains(Action action) {
+    Runtime& runtime = TheRuntime();
+    const std::lock_guard<std::mutex> guard(runtime.mutex);
+    return action(runtime.domains);
+}
+
+// The whole of plural handling: the plural text is a key of its own. Catalogues of the suite are
+// written for that, so the plural expression of their header must stay unused.
+const char* ChooseKey(const char* singular, const char* plural, unsigned long count) {
+    return count == 1 ? singular : plural;
+}
+
+}  // namespace
+
+std::string current_textdomain_charset() {
+    return WithDomains([](const CTextDomains& domains) { return domains.CurrentCharset(); });
+}
+
+void release_textdomain_catalog(const char* domain) {
+    WithDomains([=](CTextDomains& domains) { domains.Release(domain); });
+}
+
+void set_locale_from_environment() {
+    WithDomains([](const CTextDomains&) { std::setlocale(LC_ALL, ""); });
+}
+
+TK_EXPORTED char* textdomain(const char* domain) noexcept {
+    return WithDomains([=](CTextDomains& domains) { return domains.SetCurrent(domain); });
+}
+
+TK_EXPORTED char* bindtextdomain(const char* domain, const char* directory) noexcept {
+    const bool isBound =
+        WithDomains([=](CTextDomains& domains) { return domains.Bind(domain, directory); });
+    return isBound ? const_cast<char*>(domain) : nullptr;
+}
+
+// Strings are given as the catalogue has them; they are never converted.
+TK_EXPORTED char* bind_textdomain_codeset(const char* /*domain*/,
+                                          const char* /*codeset*/) noexcept {
+    return nullptr;
+}
+
+TK_EXPORTED char* gettext(const char* message) noexcept {
+    return dcngettext(nullptr, message, nullptr, 1, LC_MESSAGES);
+}
+
+TK_EXPORTED char* dgettext(const char* domain, const char* message) noexcept {
+    return dcngettext(domain, message, nullptr, 1, LC_MESSAGES);
+}
+
+TK_EXPORTED char* dcgettext(const char* domain, const char* message, int category) noexcept {
+    return dcngettext(domain, message, nullptr, 1, category);
+}
+
+TK_EXPORTED char* ngettext(const char* singular, const char* plural, unsigned long count) noexcept {
+    return dcngettext(nullptr, singular, plural, count, LC_MESSAGES);
+}
+
+TK_EXPORTED char* dngettext(const char* domain, const char* singular, const char* plural,
+                            unsigned long count) noexcept {
+    return dcngettext(domain, singular, plural, count, LC_MESSAGES);
+}
+
+TK_EXPORTED char* dcngettext(const char* domain, const char* singular, const char* plural,
+                             unsigned long count, int category) noexcept {
+    const char* const key = ChooseKey(singular, plural, count);
+    if (key == nullptr) {
+        return nullptr;
+    }
+    const char* const text = WithDomains([=](CTextDomains& domains) {
+        return domains.Translate(domain != nullptr ? domain : domains.Current(), key, category);
+    });
+    return const_cast<char*>(text);
+}

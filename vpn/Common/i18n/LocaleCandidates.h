@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstddef>
+#include <initializer_list>
+#include <string_view>
+
+/// Folder names under which a catalogue for a locale is looked for, best first: one text of fixed
+/// size, separated by ":", where empty entries mean nothing. Allocates nothing. Thread-unsafe.
+class CLocaleCandidates {
+public:
+    /// Lists the candidates of a locale name; false, and then the list is of no use, when they do
+    /// not fit.
+    [[nodiscard]] bool Build(const char* localeName);
+
+    const char* Text() const { return m_text; }
+
+private:
+    /// Size of the list with its terminating zero.
+    static constexpr std::size_t kSize = 4096;
+
+    void AppendCandidate(std::initializer_list<std::string_view> pieces);
+    void RepeatLastCandidate();
+    void AppendInLowerCase(std::string_view piece);
+    void Append(std::string_view piece);
+
+    char m_text[kSize] = "";
+    std::size_t m_length = 0;
+    std::size_t m_lastStart = 0;
+    std::size_t m_lastLength = 0;
+    bool m_fits = true;
+};

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+/// The bytes of a regular file, mapped into memory for reading. Thread-unsafe.
+class CMappedFile {
+public:
+    CMappedFile() = default;
+    ~CMappedFile();
+    CMappedFile(const CMappedFile&) = delete;
+    CMappedFile& operator=(const CMappedFile&) = delete;
+
+    /// Maps the file in place of the one before. False, with nothing mapped, when it cannot be
+    /// read, is no regular file, is empty or is larger than the maximum.
+    [[nodiscard]] bool Map(const char* path, std::size_t maximumSize);
+
+    /// Takes the mapping away: its bytes are no longer to be touched.
+    void Unmap();
+
+    /// The file's bytes, valid until Unmap() or the next Map().
+    std::string_view Bytes() const;
+
+private:
+    void* m_address = nullptr;
+    std::size_t m_size = 0;
+};
