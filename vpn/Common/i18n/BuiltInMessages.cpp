@@ -1,0 +1,53 @@
+#include "BuiltInMessages.h"
+
+const std::string kProductFullName = "Velto Tunnelkeep VPN Client";
+const std::string kLoginWindowTitle = "Velto Tunnelkeep Login";
+
+const std::string kGetCertificateMnemonic = "_Get Certificate";
+const std::string kDisconnectMnemonic = "_Disconnect";
+const std::string kConnectMnemonic = "_Connect";
+const std::string kAcceptMnemonic = "_Accept";
+
+const std::string kConnectionInformationCaption = "<b>Connection Information</b>";
+
+const std::string kDayAmount = "%u Day";
+const std::string kDaysAmount = "%u Days";
+const std::string kHourAmount = "%u Hour";
+const std::string kHoursAmount = "%u Hours";
+const std::string kMinuteAmount = "%u Minute";
+const std::string kMinutesAmount = "%u Minutes";
+
+const std::string kBlank = " ";
+
+const std::string kBrowserTitle = "Velto Tunnelkeep Browser";
+const std::string kUntrustedServerBlocked = "Untrusted Server Blocked!";
+const std::string kContinueAnywayQuestion = "Would you like to continue anyway?";
+const std::string kKeepMeSafe = "Keep Me Safe";
+const std::string kCertificateNameMismatch = "Certificate does not match the server name.";
+const std::string kCertificateRevoked = "Certificate has been revoked.";
+
+const std::string kConnect = "Connect";
+const std::string kDisconnect = "Disconnect";
+const std::string kReconnect = "Reconnect";
+const std::string kPaused = "Paused";
+const std::string kVpnConnected = "VPN Connected";
+
+const std::string kConnectionInformation = "Connection Information";
+const std::string kTransportInformation = "Transport Information";
+const std::string kSecuredRoutesIpv4 = "Secured Routes (IPv4)";
+const std::string kTunnelModeIpv4 = "Tunnel Mode (IPv4):";
+const std::string kClientAddressIpv4 = "Client Address (IPv4)";
+
+const std::string kWired = "Wired";
+const std::string kMobileBroadbandNetwork = "Mobile Broadband Network";
+const std::string kDynamicWep = "Dynamic WEP";
+const std::string kWpa2PersonalAes = "WPA2 Personal AES";
+const std::string k8021X = "802.1X";
+
+const std::string kUserDeclinedBanner = "User declined banner.";
+const std::string kUserCredentialsEntered = "User credentials entered.";
+const std::string kUserCredentialsPromptCancelled = "User credentials prompt cancelled.";
+
+const std::string kRequestNotPermittedInAutoConnect = "Request not permitted in auto-connect mode.";
+const std::string kServiceUnavailable = "Service unavailable.";
+const std::string kScriptExtensionRequired = "File extension must be .exe, .bat or .cmd.";

@@ -1,0 +1,201 @@
+#include "MsgCatalog.h"
+
+#include <libintl.h>
+
+#include <cstdarg>
+
+#include "AppLog.h"
+#include "BoundedFormat.h"
+#include "CharacterReferences.h"
+#include "GettextRuntime.h"
+#include "InstanceSmartPtr.h"
+#include "ManualLock.h"
+#include "StoragePath.h"
+
+namespace {
+
+constexpr char kLocalizationFolder[] = "l10n";
+constexpr char kCatalogName[] = "Tunnelkeep";
+constexpr char kSupportedCharset[] = "utf-8";
+constexpr unsigned kSpinCount = 500;
+constexpr std::size_t kFormattedSize = 2048;
+
+struct CatalogState {
+    CManualLock lock{kSpinCount};
+    std::string currentCatalog;
+    std::string localeName;
+    std::string pathOverride;
+    bool isInitialized = false;
+    std::uint64_t opaqueNumber = 0;
+    std::uint32_t opaqueFlag = 0;
+};
+
+CatalogState state;
+
+// Charset of the current domain's catalogue, which is loaded for that; empty when there is none.
+std::string LoadedCharset() {
+    std::string charset = current_textdomain_charset();
+    if (!charset.empty()) {
+        return charset;
+    }
+    // Only a lookup makes the runtime find and load the catalogue.
+    static_cast<void>(gettext("DummyMessageToForceMessageCatSetup"));
+    return current_textdomain_charset();
+}
+
+void InitializeOnce() {
+    if (!state.isInitialized) {
+        MsgCatalog::init(std::string(kCatalogName), "");
+    }
+}
+
+}  // namespace
+
+std::string MsgCatalog::getLocalizationPath() {
+    const CManualLockGuard guard(state.lock);
+    const CInstanceSmartPtr<StoragePath> storagePath;
+    if (!storagePath) {
+        TK_LOG_FAILED_CALL("CInstanceSmartPtr<StoragePath>", CSTORAGEPATH_ERROR_NO_INSTANCE);
+        return "";
+    }
+    const std::string base =
+        state.pathOverride.empty() ? storagePath->GetInstallPath() : state.pathOverride;
+    return base + kLocalizationFolder;
+}
+
+bool MsgCatalog::setCatalog(const std::string& catalogName) {
+    const CManualLockGuard guard(state.lock);
+    if (catalogName == state.currentCatalog) {
+        return true;
+    }
+    state.currentCatalog = catalogName;
+    set_locale_from_environment();
+    bindtextdomain(catalogName.c_str(), getLocalizationPath().c_str());
+    textdomain(catalogName.c_str());
+
+    const std::string charset = LoadedCharset();
+    if (charset.empty()) {
+        return true;
+    }
+    // The suite's catalogues declare it in small letters; any other spelling must be refused.
+    if (charset == kSupportedCharset) {
+        TK_LOG_INFORMATION("The character set is utf-8.");
+        return true;
+    }
+    TK_LOG_ERROR("The specified character set <%s> is unsupported.", charset.c_str());
+    return false;
+}
+
+void MsgCatalog::init(const std::string& catalogName, const char* /*localeName*/) {
+    const CManualLockGuard guard(state.lock);
+    state.isInitialized = true;
+    if (!setCatalog(catalogName)) {
+        TK_LOG_ERROR("Error setting the translation catalog %s.", catalogName.c_str());
+    }
+    TK_LOG_INFORMATION("initialized catalog: %s with locale: %s", state.currentCatalog.c_str(),
+                       state.localeName.c_str());
+}
+
+void MsgCatalog::init(const char* localeName, const std::string& catalogName) {
+    init(catalogName, localeName);
+}
+
+void MsgCatalog::getMessage(const char* identifier, std::string& text) {
+    const CManualLockGuard guard(state.lock);
+    text.clear();
+    if (identifier == nullptr) {
+        TK_LOG_ERROR("Error getting the translated message. NULL pointer.");
+        return;
+    }
+    if (identifier[0] == '\0') {
+        return;
+    }
+    InitializeOnce();
+    text = gettext(identifier);
+}
+
+void MsgCatalog::getMessage(const char* singular, const char* plural, unsigned long count,
+                            std::string& text) {
+    const CManualLockGuard guard(state.lock);
+    text.clear();
+    if (singular == nullptr || plural == nullptr) {
+        TK_LOG_ERROR("Error getting the translated message. NULL pointer.");
+        return;
+    }
+    if (singular[0] == '\0' || plural[0] == '\0') {
+        return;
+    }
+    InitializeOnce();
+    text = ngettext(singular, plural, count);
+}
+
+void MsgCatalog::getMessage(const char* identifier, const std::string& catalogName,
+                            std::string& text) {
+    const CManualLockGuard guard(state.lock);
+    if (identifier != nullptr && identifier[0] != '\0') {
+        // The switch is not undone: the last catalogue asked for stays the current one.
+        setCatalog(catalogName);
+    }
+    getMessage(identifier, text);
+}
+
+std::string MsgCatalog::getMessage(const char* identifier) {
+    std::string text;
+    getMessage(identifier, text);
+    return text;
+}
+
+void MsgCatalog::setLocalizationPath(const std::string& path) {
+    const CManualLockGuard guard(state.lock);
+    state.pathOverride = path;
+}
+
+void MsgCatalog::setLocale(const std::string& localeName) {
+    const CManualLockGuard guard(state.lock);
+    state.localeName = localeName;
+}
+
+std::uint64_t MsgCatalog::getOpaqueNumber() {
+    const CManualLockGuard guard(state.lock);
+    return state.opaqueNumber;
+}
+
+void MsgCatalog::setOpaqueNumber(std::uint64_t number) {
+    const CManualLockGuard guard(state.lock);
+    state.opaqueNumber = number;
+}
+
+std::uint32_t MsgCatalog::getOpaqueFlag() {
+    const CManualLockGuard guard(state.lock);
+    return state.opaqueFlag;
+}
+
+void MsgCatalog::setOpaqueFlag(std::uint32_t flag) {
+    const CManualLockGuard guard(state.lock);
+    state.opaqueFlag = flag;
+}
+
+void MsgCatalog::resetCatalog() {
+    const CManualLockGuard guard(state.lock);
+    state.currentCatalog.clear();
+}
+
+void MsgCatalog::unloadCatalog() {
+    const CManualLockGuard guard(state.lock);
+    release_textdomain_catalog(kCatalogName);
+}
+
+std::string MsgCatalog::formatMessage(const char* format, ...) {
+    const CManualLockGuard guard(state.lock);
+    char message[kFormattedSize] = "";
+    std::va_list arguments;
+    va_start(arguments, format);
+    BoundedFormat(message, sizeof message, format, arguments);
+    va_end(arguments);
+    return message;
+}
+
+void MsgCatalog::decodeCharacterReferences(std::string& text) {
+    const CManualLockGuard guard(state.lock);
+    DecodeCharacterReferences(text);
+}

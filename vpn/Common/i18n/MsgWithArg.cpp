@@ -1,0 +1,154 @@
+#include "MsgWithArg.h"
+
+#include <array>
+#include <charconv>
+#include <string_view>
+#include <utility>
+
+#include "MsgCatalog.h"
+
+namespace {
+
+constexpr std::size_t kMaximumArguments = 10;
+constexpr std::size_t kMaximumWidthDigits = 4;
+constexpr char kPositionCharacters[] = "$0123456789";
+
+// Turns each conversion into one of a string, whatever stood there, a second "%" included.
+std::string TakeArgumentsAsStrings(std::string format) {
+    std::size_t position = format.find('%');
+    while (position != std::string::npos) {
+        const std::size_t conversion = format.find_first_not_of(kPositionCharacters, position + 1);
+        if (conversion == std::string::npos) {
+            break;
+        }
+        format[conversion] = 's';
+        position = format.find('%', conversion + 1);
+    }
+    return format;
+}
+
+// Conversion of an argument, counted from 1; nothing for one that is never passed.
+std::string PositionalConversion(std::size_t number, std::string_view width) {
+    if (number > kMaximumArguments) {
+        return "";
+    }
+    return "%" + std::to_string(number) + "$" + std::string(width) + "s";
+}
+
+// Gives every string conversion of a format its position. Translations are not to be trusted with
+// more: what is no such conversion becomes plain text.
+class ConversionNumbering {
+public:
+    std::string Number(std::string_view format) {
+        std::string numbered;
+        for (std::size_t percent = format.find('%'); percent != std::string_view::npos;
+             percent = format.find('%')) {
+            numbered += format.substr(0, percent);
+            const std::size_t end = format.find_first_not_of(kPositionCharacters, percent + 1);
+            if (end == std::string_view::npos) {
+                numbered += "%";
+                format.remove_prefix(percent);
+                break;
+            }
+            numbered += Conversion(format.substr(percent + 1, end - percent - 1));
+            format.remove_prefix(end + 1);
+        }
+        return numbered.append(format);
+    }
+
+private:
+    // The conversion whose "%" and "s" enclose the given position and width.
+    std::string Conversion(std::string_view inside) {
+        const std::size_t dollar = inside.find('$');
+        if (dollar == std::string_view::npos) {
+            // Those with a width are counted apart, as the C library does beside positional ones.
+            return inside.size() > kMaximumWidthDigits
+                       ? PlainText(inside)
+                       : PositionalConversion(inside.empty() ? ++m_plain : ++m_padded, inside);
+        }
+        const std::string_view digits = inside.substr(0, dollar);
+        const std::string_view width = inside.substr(dollar + 1);
+        std::size_t number = 0;
+        std::from_chars(digits.data(), digits.data() + digits.size(), number);
+        if (number == 0 || width.size() > kMaximumWidthDigits ||
+            width.find('$') != std::string_view::npos) {
+            return PlainText(inside);
+        }
+        return PositionalConversion(number, width);
+    }
+
+    static std::string PlainText(std::string_view inside) {
+        return "%%" + std::string(inside) + "s";
+    }
+
+    std::size_t m_plain = 0;
+    std::size_t m_padded = 0;
+};
+
+// The arguments as the ten that are always passed; those that are missing are empty.
+std::array<const char*, kMaximumArguments> PassedArguments(
+    const std::vector<std::string>& arguments) {
+    std::array<const char*, kMaximumArguments> passed;
+    passed.fill("");
+    for (std::size_t index = 0; index < arguments.size() && index < passed.size(); ++index) {
+        passed[index] = arguments[index].c_str();
+    }
+    return passed;
+}
+
+std::string InsertArguments(const std::string& message, const std::vector<std::string>& arguments) {
+    const std::string format = ConversionNumbering().Number(TakeArgumentsAsStrings(message));
+    const auto passed = PassedArguments(arguments);
+    return MsgCatalog::formatMessage(format.c_str(), passed[0], passed[1], passed[2], passed[3],
+                                     passed[4], passed[5], passed[6], passed[7], passed[8],
+                                     passed[9]);
+}
+
+}  // namespace
+
+MsgWithArg::MsgWithArg(std::string messageId) : m_messageId(std::move(messageId)) {}
+
+MsgWithArg::MsgWithArg(std::string messageId, std::string catalog)
+    : m_catalog(std::move(catalog)), m_messageId(std::move(messageId)) {}
+
+void MsgWithArg::setMessageId(const std::string& messageId) {
+    m_messageId = messageId;
+}
+
+void MsgWithArg::setCatalog(const std::string& catalog) {
+    m_catalog = catalog;
+}
+
+void MsgWithArg::addArg(const std::string& argument) {
+    m_arguments.push_back(argument);
+}
+
+void MsgWithArg::addArg(const char* argument) {
+    m_arguments.emplace_back(argument != nullptr ? argument : "");
+}
+
+bool MsgWithArg::isEmpty() const {
+    return m_messageId.empty();
+}
+
+const char* MsgWithArg::getMessageId() const {
+    return m_messageId.c_str();
+}
+
+void MsgWithArg::clearArgs() {
+    m_arguments.clear();
+}
+
+void MsgWithArg::format(std::string& text, bool translate) const {
+    std::string message = m_messageId;
+    if (translate && m_catalog.empty()) {
+        MsgCatalog::getMessage(m_messageId.c_str(), message);
+    } else if (translate) {
+        MsgCatalog::getMessage(m_messageId.c_str(), m_catalog, message);
+    }
+    if (!m_arguments.empty()) {
+        message = InsertArguments(message, m_arguments);
+    }
+    MsgCatalog::decodeCharacterReferences(message);
+    text = message;
+}
