@@ -1,0 +1,97 @@
+#include <gtk/gtk.h>
+#include <libintl.h>
+
+#include <clocale>
+#include <cstdlib>
+#include <memory>
+#include <string>
+
+#include "AppLog.h"
+#include "BuiltInMessages.h"
+#include "GObjectPtr.h"
+#include "GtkBrowserController.h"
+#include "InstallRoot.h"
+#include "InstanceSmartPtr.h"
+#include "StoragePath.h"
+
+namespace {
+
+constexpr char kTextDomain[] = "tkdownloader-gtk";
+constexpr std::uint32_t kLowestPort = 1024;
+constexpr std::uint32_t kPortSpan = 65535 - kLowestPort;
+
+// The log stands before anything else runs and ends after the last of it.
+ResultCode logResult = kSuccess;
+const CAppLog applicationLog(logResult, "tkwebhelper", nullptr);
+
+// Low 32 bits of the number that the text begins with; whatever follows it is ignored.
+std::uint32_t ParsePort(const char* text) {
+    return static_cast<std::uint32_t>(std::strtol(text, nullptr, 10));
+}
+
+bool IsValidPort(std::uint32_t port) {
+    return port - kLowestPort <= kPortSpan;
+}
+
+bool CreateController(GApplication* application, std::uint16_t port) {
+    // One controller for the whole process, deleted at its end. A second command line finds the
+    // holder filled and is refused on purpose.
+    bool ok = false;
+    static const std::unique_ptr<GtkBrowserController> controller =
+        std::make_unique<GtkBrowserController>(GTK_APPLICATION(application), port, ok);
+    return ok;
+}
+
+gint32 appParseCmdCB(GApplication* application, GApplicationCommandLine* commandLine) {
+    int argumentCount = 0;
+    const GStringArrayPtr arguments(
+        g_application_command_line_get_arguments(commandLine, &argumentCount));
+    if (argumentCount != 2) {
+        TK_LOG_ERROR("Invalid launch arguments.");
+        return 1;
+    }
+    const std::uint32_t port = ParsePort(arguments.get()[1]);
+    if (!IsValidPort(port)) {
+        TK_LOG_ERROR("Invalid server port parameter (%u)", port);
+        return 1;
+    }
+    if (!CreateController(application, static_cast<std::uint16_t>(port))) {
+        TK_LOG_ERROR("GtkBrowserWindow() failed.");
+        return 1;
+    }
+    return 0;
+}
+
+CInstanceSmartPtr<StoragePath> CreateStoragePath() {
+    CStoragePath* storagePath = nullptr;
+    const ResultCode code = CStoragePath::CreateSingletonInstance(storagePath, "");
+    if (code != kSuccess) {
+        TK_LOG_FAILED_CALL("CStoragePath::CreateSingletonInstance", code);
+    }
+    return CInstanceSmartPtr<StoragePath>(storagePath);
+}
+
+void SetUpTranslation() {
+    bindtextdomain(kTextDomain, (std::string(kInstallRoot) + "/l10n").c_str());
+    bind_textdomain_codeset(kTextDomain, "UTF-8");
+    textdomain(kTextDomain);
+    std::setlocale(LC_ALL, "");
+}
+
+int RunApplication(int argc, char** argv) {
+    g_set_application_name("tkwebhelper");
+    g_set_prgname(kProductFullName.c_str());
+    // Without an identifier the application is never unique: its command line is its own.
+    const GObjectPtr<GtkApplication> application(
+        gtk_application_new(nullptr, G_APPLICATION_HANDLES_COMMAND_LINE));
+    g_signal_connect(application.get(), "command-line", G_CALLBACK(appParseCmdCB), nullptr);
+    return g_application_run(G_APPLICATION(application.get()), argc, argv);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const CInstanceSmartPtr<StoragePath> storagePath = CreateStoragePath();
+    SetUpTranslation();
+    return RunApplication(argc, argv);
+}
