@@ -7,7 +7,6 @@
 #include <memory>
 #include <string>
 
-#include "JsonIpcFrameReader.h"
 #include "ResultCodes.h"
 
 /// The framed TCP link to the agent on 127.0.0.1, with an I/O thread of its own.
@@ -70,22 +69,26 @@ private:
 
     static void ioServiceThread(const std::shared_ptr<Connection>& connection);
 
-    [[nodiscard]] bool createConnection(std::uint16_t port);
+    [[nodiscard]] bool createConnection();
     [[nodiscard]] bool openSocket();
+    void joinIoThread();
 
     void handleConnectTimeout(const boost::system::error_code& error);
     void handleConnect(const boost::system::error_code& error);
 
     void startReceive(std::size_t size);
     void handleReceived(const boost::system::error_code& error, std::size_t bytesTransferred);
-    [[nodiscard]] JsonIpcFrameStep processReceivedData(std::size_t bytesTransferred);
+    /// Delivers what came; gives the size of the next read, or 0 when it was refused.
+    [[nodiscard]] std::size_t processReceivedData(std::size_t bytesTransferred);
 
     void startNextSend();
-    void startSend(const std::shared_ptr<Send>& send);
+    void armSendTimer(const std::shared_ptr<Send>& send);
+    void startWrite(const std::shared_ptr<Send>& send);
     void handleSendTimeout(const boost::system::error_code& error,
                            const std::shared_ptr<Send>& send);
     void handleSent(const boost::system::error_code& error, std::size_t bytesTransferred,
                     const std::shared_ptr<Send>& send);
+    void finishSendLater(const std::shared_ptr<Send>& send, const boost::system::error_code& error);
 
     void cancelPendingOperations();
 

@@ -1,0 +1,418 @@
+#include "JSONIPCClient.h"
+
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <array>
+#include <boost/asio/deadline_timer.hpp>
+#include <boost/asio/executor_work_guard.hpp>
+#include <boost/asio/io_service.hpp>
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/post.hpp>
+#include <boost/asio/read.hpp>
+#include <boost/asio/write.hpp>
+#include <boost/chrono/duration.hpp>
+#include <boost/date_time/posix_time/posix_time_duration.hpp>
+#include <cassert>
+#include <cerrno>
+#include <deque>
+#include <exception>
+#include <vector>
+
+#include "AppLog.h"
+#include "JsonIpcFrame.h"
+#include "JsonIpcFrameReader.h"
+#include "StartGate.h"
+
+using boost::asio::ip::tcp;
+using boost::system::error_code;
+
+namespace {
+
+constexpr std::uint16_t kLowestPort = 1024;
+constexpr const char* kServerAddress = "127.0.0.1";
+constexpr long kConnectTimeoutSeconds = 10;
+constexpr long kSendTimeoutSeconds = 1;
+constexpr long kJoinTimeoutSeconds = 1;
+
+// The engine starts child processes at any moment: no descriptor may be without the flag, not
+// even between two calls, so the socket is not opened by Asio.
+void OpenCloseOnExec(tcp::socket& socket) {
+    const int descriptor = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, IPPROTO_TCP);
+    if (descriptor < 0) {
+        throw boost::system::system_error(errno, boost::system::system_category(), "open");
+    }
+    error_code error;
+    socket.assign(tcp::v4(), descriptor, error);
+    if (error) {
+        ::close(descriptor);
+        throw boost::system::system_error(error, "open");
+    }
+}
+
+// A result is one small frame that the agent waits for. Held back for the acknowledgement of the
+// result before it, it could be 40 ms late.
+void SendWithoutDelay(tcp::socket& socket) {
+    error_code ignored;
+    socket.set_option(tcp::no_delay(true), ignored);
+}
+
+// An operation that came to its end before it was cancelled, but not to its goal, was cancelled.
+error_code AbortedUnless(bool complete, const error_code& error) {
+    return error || complete ? error : error_code(boost::asio::error::operation_aborted);
+}
+
+}  // namespace
+
+/// One message on its way out. Lives until its write and its timer are done with it.
+struct CJsonIpcClient::Send {
+    Send(boost::asio::io_service& ioService, std::uint32_t id, const std::string& payload)
+        : messageId(id), frame(EncodeFrame(id, payload)), timer(ioService) {}
+
+    const std::uint32_t messageId;
+    const std::vector<char> frame;
+    boost::asio::deadline_timer timer;
+    bool timerArmed = false;
+    bool timedOut = false;
+    bool cancelled = false;
+};
+
+/// What the I/O thread works on. Its handlers hold no reference to it, since it owns them.
+struct CJsonIpcClient::Connection {
+    CStartGate gate;
+    boost::asio::io_service ioService;
+    boost::asio::executor_work_guard<boost::asio::io_service::executor_type> work{
+        ioService.get_executor()};
+    tcp::socket socket{ioService};
+    boost::asio::deadline_timer connectTimer{ioService};
+    bool connectTimerArmed = false;
+    tcp::endpoint endpoint;
+
+    std::array<char, kMaximumPayloadLength> buffer{};
+    CJsonIpcFrameReader reader{kMaximumPayloadLength};
+
+    bool connecting = false;
+    bool readCancelled = false;
+    /// A frame was written in part: whatever followed, the peer would take it for the rest.
+    bool frameCut = false;
+    /// Messages are written one after the other, since two writes at once would mix their bytes.
+    std::deque<std::shared_ptr<Send>> waitingSends;
+    std::shared_ptr<Send> currentSend;
+
+    [[nodiscard]] bool onIoThread() { return ioService.get_executor().running_in_this_thread(); }
+};
+
+CJsonIpcClient::CJsonIpcClient(std::uint16_t port, ResultCode& result) {
+    result = kSuccess;
+    if (!createConnection()) {
+        result = JSONIPCCLIENT_ERROR_IOSERVICE_THREAD_FAILURE;
+        return;
+    }
+    if (port < kLowestPort) {
+        TK_LOG_ERROR("Invalid listener port parameter (%u)", static_cast<unsigned>(port));
+        result = JSONIPCCLIENT_ERROR_BAD_PARAMETER;
+        return;
+    }
+    if (!startIoServiceThread()) {
+        result = JSONIPCCLIENT_ERROR_IOSERVICE_THREAD_FAILURE;
+        return;
+    }
+    if (!openSocket()) {
+        result = JSONIPCCLIENT_ERROR_OPEN_SOCKET_FAILURE;
+        return;
+    }
+    m_connection->endpoint = tcp::endpoint(boost::asio::ip::make_address_v4(kServerAddress), port);
+    initIpc();
+}
+
+CJsonIpcClient::~CJsonIpcClient() {
+    shutdown();
+}
+
+bool CJsonIpcClient::createConnection() {
+    try {
+        m_connection = std::make_shared<Connection>();
+        return true;
+    } catch (const std::exception& error) {
+        TK_LOG_ERROR("Caught io service thread exception - %s", error.what());
+        return false;
+    }
+}
+
+bool CJsonIpcClient::startIoServiceThread() {
+    if (m_ioThread.joinable()) {
+        TK_LOG_ERROR("Thread is already running");
+        return true;
+    }
+    try {
+        m_ioThread = boost::thread(&CJsonIpcClient::ioServiceThread, m_connection);
+        return true;
+    } catch (const std::exception& error) {
+        TK_LOG_ERROR("Caught io service thread exception - %s", error.what());
+        return false;
+    }
+}
+
+bool CJsonIpcClient::openSocket() {
+    try {
+        OpenCloseOnExec(m_connection->socket);
+        SendWithoutDelay(m_connection->socket);
+        return true;
+    } catch (const std::exception& error) {
+        TK_LOG_ERROR("Failed to open TCP socket - %s", error.what());
+        return false;
+    }
+}
+
+void CJsonIpcClient::openGate() {
+    if (m_connection != nullptr) {
+        m_connection->gate.Open();
+    }
+}
+
+void CJsonIpcClient::shutdown() {
+    if (m_isShutDown || m_connection == nullptr) {
+        return;
+    }
+    m_isShutDown = true;
+    m_connection->ioService.stop();
+    openGate();
+    if (m_ioThread.joinable()) {
+        joinIoThread();
+    }
+}
+
+void CJsonIpcClient::joinIoThread() {
+    try {
+        if (m_ioThread.try_join_for(boost::chrono::seconds(kJoinTimeoutSeconds))) {
+            TK_LOG_INFORMATION("Successfully stopped io service thread");
+            return;
+        }
+        TK_LOG_ERROR("Failed to stop io service thread");
+    } catch (const std::exception& error) {
+        // A callback destroys the object: the I/O thread cannot wait for itself.
+        TK_LOG_ERROR("Caught io service thread exception - %s", error.what());
+    }
+    // The thread keeps what it works on, and touches this object no more once it looks up.
+    m_ioThread.detach();
+}
+
+void CJsonIpcClient::ioServiceThread(const std::shared_ptr<Connection>& connection) {
+    connection->gate.Wait();
+    try {
+        error_code error;
+        connection->ioService.run(error);
+        if (error) {
+            TK_LOG_ERROR("Caught io service thread exception - %s", error.message().c_str());
+        }
+    } catch (const std::exception& error) {
+        TK_LOG_ERROR("Caught io service thread exception - %s", error.what());
+    }
+}
+
+void CJsonIpcClient::initIpc() {
+    Connection& connection = *m_connection;
+    TK_LOG_INFORMATION("Initiating IPC connection to %s:%u...",
+                       connection.endpoint.address().to_string().c_str(),
+                       static_cast<unsigned>(connection.endpoint.port()));
+    connection.connectTimer.expires_from_now(boost::posix_time::seconds(kConnectTimeoutSeconds));
+    connection.connectTimer.async_wait(
+        [this](const error_code& error) { handleConnectTimeout(error); });
+    connection.connectTimerArmed = true;
+    connection.connecting = true;
+    connection.readCancelled = false;
+    connection.socket.async_connect(connection.endpoint,
+                                    [this](const error_code& error) { handleConnect(error); });
+}
+
+void CJsonIpcClient::handleConnectTimeout(const error_code& error) {
+    Connection& connection = *m_connection;
+    assert(connection.onIoThread());
+    // A timer that fires while the connect completes cannot be cancelled any more: the flag tells.
+    if (error == boost::asio::error::operation_aborted || !connection.connectTimerArmed) {
+        return;
+    }
+    TK_LOG_ERROR("IPC connect timed out");
+    cancelPendingOperations();
+}
+
+void CJsonIpcClient::handleConnect(const error_code& error) {
+    Connection& connection = *m_connection;
+    assert(connection.onIoThread());
+    if (connection.connectTimerArmed) {
+        connection.connectTimer.cancel();
+        connection.connectTimerArmed = false;
+    }
+    connection.connecting = false;
+    if (error) {
+        TK_LOG_ERROR("IPC connect error [%d-%s]", error.value(), error.message().c_str());
+        OnIpcConnectError();
+        if (!connection.ioService.stopped()) {
+            cancelPendingOperations();
+        }
+        return;
+    }
+    TK_LOG_INFORMATION("IPC connection established");
+    startReceive(kFrameHeaderSize);
+    startNextSend();
+}
+
+void CJsonIpcClient::startReceive(std::size_t size) {
+    Connection& connection = *m_connection;
+    boost::asio::async_read(
+        connection.socket, boost::asio::buffer(connection.buffer, size),
+        [&connection, size](const error_code& error, std::size_t received) {
+            return error || connection.readCancelled ? 0 : size - received;
+        },
+        [this, size](const error_code& error, std::size_t received) {
+            handleReceived(AbortedUnless(received == size, error), received);
+        });
+}
+
+void CJsonIpcClient::handleReceived(const error_code& error, std::size_t bytesTransferred) {
+    Connection& connection = *m_connection;
+    assert(connection.onIoThread());
+    if (error) {
+        TK_LOG_ERROR("IPC receive error [%d-%s]", error.value(), error.message().c_str());
+        OnIpcReceiveError();
+        if (!connection.ioService.stopped()) {
+            cancelPendingOperations();
+        }
+        return;
+    }
+    const std::size_t nextSize = processReceivedData(bytesTransferred);
+    if (connection.ioService.stopped()) {
+        return;
+    }
+    if (nextSize == 0) {
+        // Deliberately silent towards the owner: the connection stays open and is read no more.
+        TK_LOG_ERROR("Failed to process received data");
+        cancelPendingOperations();
+        return;
+    }
+    startReceive(nextSize);
+}
+
+std::size_t CJsonIpcClient::processReceivedData(std::size_t bytesTransferred) {
+    Connection& connection = *m_connection;
+    const JsonIpcFrameStep step =
+        connection.reader.ProcessReceivedData(connection.buffer.data(), bytesTransferred);
+    if (step.outcome == JsonIpcFrameStep::Outcome::message) {
+        OnMsgReceived(step.messageId, step.payload, step.length);
+    }
+    return step.nextSize;
+}
+
+void CJsonIpcClient::sendMessage(std::uint32_t messageId, const std::string& payload) {
+    if (m_connection == nullptr) {
+        return;
+    }
+    boost::asio::io_service& ioService = m_connection->ioService;
+    const auto send = std::make_shared<Send>(ioService, messageId, payload);
+    boost::asio::post(ioService, [this, send] {
+        m_connection->waitingSends.push_back(send);
+        startNextSend();
+    });
+}
+
+void CJsonIpcClient::startNextSend() {
+    Connection& connection = *m_connection;
+    assert(connection.onIoThread());
+    if (connection.connecting || connection.currentSend != nullptr ||
+        connection.waitingSends.empty()) {
+        return;
+    }
+    const std::shared_ptr<Send> send = connection.waitingSends.front();
+    connection.waitingSends.pop_front();
+    if (connection.frameCut) {
+        finishSendLater(send, boost::asio::error::broken_pipe);
+        return;
+    }
+    connection.currentSend = send;
+    armSendTimer(send);
+    startWrite(send);
+}
+
+void CJsonIpcClient::armSendTimer(const std::shared_ptr<Send>& send) {
+    send->timer.expires_from_now(boost::posix_time::seconds(kSendTimeoutSeconds));
+    send->timer.async_wait(
+        [this, send](const error_code& error) { handleSendTimeout(error, send); });
+    send->timerArmed = true;
+}
+
+void CJsonIpcClient::startWrite(const std::shared_ptr<Send>& send) {
+    const std::size_t size = send->frame.size();
+    boost::asio::async_write(
+        m_connection->socket, boost::asio::buffer(send->frame),
+        [send, size](const error_code& error, std::size_t written) {
+            return error || send->cancelled ? 0 : size - written;
+        },
+        [this, send, size](const error_code& error, std::size_t written) {
+            handleSent(AbortedUnless(written == size && !send->timedOut, error), written, send);
+        });
+}
+
+void CJsonIpcClient::handleSendTimeout(const error_code& error, const std::shared_ptr<Send>& send) {
+    assert(m_connection->onIoThread());
+    // A timer that fires while the write completes cannot be cancelled any more: the mark tells.
+    if (error == boost::asio::error::operation_aborted || !send->timerArmed) {
+        return;
+    }
+    Connection& connection = *m_connection;
+    send->timedOut = true;
+    TK_LOG_ERROR("Timed out sending message '%s'", MessageName(send->messageId));
+    OnIpcSendError(send->messageId);
+    if (!connection.ioService.stopped()) {
+        // The write now ends as aborted and is reported once more: deliberate, and the layer
+        // above expects it.
+        cancelPendingOperations();
+    }
+}
+
+void CJsonIpcClient::handleSent(const error_code& error, std::size_t bytesTransferred,
+                                const std::shared_ptr<Send>& send) {
+    Connection& connection = *m_connection;
+    assert(connection.onIoThread());
+    if (send->timerArmed) {
+        send->timer.cancel();
+        send->timerArmed = false;
+    }
+    if (connection.currentSend == send) {
+        connection.currentSend.reset();
+    }
+    if (!error) {
+        OnIpcSendComplete(send->messageId);
+    } else {
+        connection.frameCut |= bytesTransferred != 0 && bytesTransferred != send->frame.size();
+        TK_LOG_ERROR("Failed to sent '%s' message to server [%d-%s]", MessageName(send->messageId),
+                     error.value(), error.message().c_str());
+        OnIpcSendError(send->messageId);
+    }
+    if (connection.ioService.stopped()) {
+        return;
+    }
+    if (error) {
+        cancelPendingOperations();
+    }
+    startNextSend();
+}
+
+void CJsonIpcClient::finishSendLater(const std::shared_ptr<Send>& send, const error_code& error) {
+    boost::asio::post(m_connection->ioService, [this, send, error] { handleSent(error, 0, send); });
+}
+
+void CJsonIpcClient::cancelPendingOperations() {
+    Connection& connection = *m_connection;
+    assert(connection.onIoThread());
+    connection.readCancelled = true;
+    if (connection.currentSend != nullptr) {
+        connection.currentSend->cancelled = true;
+    }
+    error_code ignored;
+    connection.socket.cancel(ignored);
+    for (const std::shared_ptr<Send>& send : connection.waitingSends) {
+        finishSendLater(send, boost::asio::error::operation_aborted);
+    }
+    connection.waitingSends.clear();
+}
