@@ -44,8 +44,6 @@ private:
     void OnIpcConnectError() override;
     void OnIpcReceiveError() override;
 
-    void receiveOperation(const std::string& json);
-
     // Touched on the owner's thread only.
     static CBrowserIpcClient* s_instance;
     static std::uint32_t s_referenceCount;
