@@ -2,12 +2,6 @@
 
 namespace {
 
-struct EventMessageGroup {
-    const EventMessage* first;  ///< null: messages of another component, with no record here
-    std::uint32_t base;
-    std::uint32_t count;
-};
-
 constexpr EventMessage kDefaultMessage{"UNKNOWN", 7, ""};
 
 constexpr EventMessage kLogMessages[] = {
@@ -19,17 +13,24 @@ constexpr EventMessage kLogMessages[] = {
     {"MID_VERBOSE_MESSAGE", 7, "Function: %s\nFile: %s\nLine: %d\n%s"},
 };
 
-// The ranges are the whole suite's; only the first group's messages are written by this program.
-constexpr EventMessageGroup kGroups[] = {
-    {kLogMessages, 0, 4}, {nullptr, 10, 6},    {nullptr, 2000, 151}, {nullptr, 3000, 34},
-    {nullptr, 4000, 2},   {nullptr, 5000, 21}, {nullptr, 5900, 23},  {nullptr, 6100, 18},
-    {nullptr, 6200, 7},   {nullptr, 6300, 1},  {nullptr, 7000, 8},
-};
-
 }  // namespace
 
+constexpr std::array<EventMessageGroup, 11> kEventMessageGroups = {{
+    {kLogMessages, 0, 4},
+    {nullptr, 10, 6},
+    {nullptr, 2000, 151},
+    {nullptr, 3000, 34},
+    {nullptr, 4000, 2},
+    {nullptr, 5000, 21},
+    {nullptr, 5900, 23},
+    {nullptr, 6100, 18},
+    {nullptr, 6200, 7},
+    {nullptr, 6300, 1},
+    {nullptr, 7000, 8},
+}};
+
 const EventMessage& FindEventMessage(std::uint32_t messageId) {
-    for (const EventMessageGroup& group : kGroups) {
+    for (const EventMessageGroup& group : kEventMessageGroups) {
         if (messageId >= group.base && messageId - group.base < group.count) {
             return group.first != nullptr ? group.first[messageId - group.base] : kDefaultMessage;
         }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 
 constexpr std::uint32_t MID_UNKNOWN = 0;
@@ -13,6 +14,17 @@ struct EventMessage {
     std::uint32_t severity;  ///< 0 to 6: a fixed priority; 7: the caller's level decides
     const char* format;      ///< printf-style
 };
+
+/// The messages of one component of the suite: identifiers base to base + count - 1.
+struct EventMessageGroup {
+    const EventMessage* first;  ///< null: another component's messages, with no record here
+    std::uint32_t base;
+    std::uint32_t count;
+};
+
+/// The suite's groups in the order in which they are searched: constant, valid for the whole
+/// process. This program writes messages of the first group only.
+extern const std::array<EventMessageGroup, 11> kEventMessageGroups;
 
 /// The definition of an identifier, valid for the whole process; identifiers without a record
 /// share one default with an empty format. Any thread.

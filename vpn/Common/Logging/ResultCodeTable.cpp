@@ -12,8 +12,8 @@ namespace {
 constexpr const char* kGlobalNames[] = {
     TK_COMMON_RESULT_NAMES("GLOBAL"),
     "GLOBAL_ERROR_NO_INSTANCE",
-    "GLOBAL_ERROR_MGMT_TUNNEL_TERMINATING:used by Agent to signal to user tunnel Downloader that "
-    "start",
+    ("GLOBAL_ERROR_MGMT_TUNNEL_TERMINATING:used by Agent to signal to user tunnel Downloader that "
+     "start"),
     "GLOBAL_ERROR_UNKNOWN",
 };
 

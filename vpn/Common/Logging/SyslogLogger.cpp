@@ -15,9 +15,7 @@ int PriorityOfLevel(std::uint32_t level) {
             return LOG_ERR;
         case 'W':
             return LOG_WARNING;
-        case 'I':
-            // Notice, not information: administrators' default filters drop LOG_INFO.
-            return LOG_NOTICE;
+        case 'I':  // not LOG_INFO, which default filters drop
         case 'T':
             return LOG_NOTICE;
         default:
