@@ -1,0 +1,15 @@
+#pragma once
+
+#include "TlsIdentity.h"
+
+/// The authority that signed them all but "unknown-issuer"; nobody trusts it by itself.
+inline std::string TestAuthority() {
+    return TK_TEST_CERTIFICATES "/trusted.pem";
+}
+
+/// One of the server certificates that make-certificates.sh makes: good, expired, wrong-host,
+/// expired-wrong-host, not-yet-valid, unknown-issuer.
+inline TlsIdentity TestCertificate(const std::string& name) {
+    const std::string base = TK_TEST_CERTIFICATES "/" + name;
+    return {base + ".pem", base + ".key"};
+}

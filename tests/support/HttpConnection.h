@@ -1,0 +1,41 @@
+#pragma once
+
+#include <openssl/ssl.h>
+
+#include <memory>
+#include <string>
+
+#include "FileDescriptor.h"
+
+/// One client's connection, plain or TLS. Blocking; for one thread, but for Interrupt().
+class HttpConnection {
+public:
+    /// No context means no TLS.
+    HttpConnection(FileDescriptor socket, SSL_CTX* context);
+    ~HttpConnection();
+    HttpConnection(const HttpConnection&) = delete;
+    HttpConnection& operator=(const HttpConnection&) = delete;
+
+    /// False when the client gave up the handshake.
+    [[nodiscard]] bool Accept();
+    /// What has come, or an empty text at the end.
+    [[nodiscard]] std::string Read();
+    /// False when the client is gone.
+    bool Write(const std::string& bytes);
+
+    /// Ends our direction as HTTP wants it, and waits for the client to end its own.
+    void Finish();
+    /// Ends both directions in the middle of whatever was sent.
+    void Cut();
+    /// Makes the client see "connection reset by peer" as soon as this object goes.
+    void Reset();
+
+    /// Wakes the thread that uses the connection, which finds it ended. Any thread, as long as the
+    /// connection lives.
+    void Interrupt() const;
+
+private:
+    FileDescriptor m_socket;
+    std::unique_ptr<SSL, void (*)(SSL*)> m_tls;
+    bool m_reset = false;
+};

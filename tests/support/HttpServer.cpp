@@ -1,0 +1,230 @@
+#include "HttpServer.h"
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <openssl/ssl.h>
+#include <pthread.h>
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <csignal>
+#include <stdexcept>
+
+#include "HttpConnection.h"
+#include "TestDeadline.h"
+
+namespace {
+
+std::shared_ptr<SSL_CTX> MakeContext(const TlsIdentity& identity) {
+    if (identity.certificate.empty()) {
+        return nullptr;
+    }
+    std::shared_ptr<SSL_CTX> context(SSL_CTX_new(TLS_server_method()), SSL_CTX_free);
+    if (SSL_CTX_use_certificate_chain_file(context.get(), identity.certificate.c_str()) != 1 ||
+        SSL_CTX_use_PrivateKey_file(context.get(), identity.key.c_str(), SSL_FILETYPE_PEM) != 1) {
+        throw std::runtime_error("cannot use certificate " + identity.certificate);
+    }
+    return context;
+}
+
+FileDescriptor Listen() {
+    FileDescriptor listener(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    if (bind(listener.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
+        listen(listener.Get(), SOMAXCONN) != 0) {
+        throw std::runtime_error("cannot listen on loopback");
+    }
+    return listener;
+}
+
+std::uint16_t PortOf(const FileDescriptor& listener) {
+    sockaddr_in address{};
+    socklen_t size = sizeof address;
+    getsockname(listener.Get(), reinterpret_cast<sockaddr*>(&address), &size);
+    return ntohs(address.sin_port);
+}
+
+// The program's own signals are not for these threads, nor is SIGPIPE, which TLS writes raise.
+void BlockSignals() {
+    sigset_t all;
+    sigfillset(&all);
+    pthread_sigmask(SIG_BLOCK, &all, nullptr);
+}
+
+void AnswerNotFound(HttpExchange& exchange) {
+    exchange.Respond({404, "not found", "text/plain"});
+}
+
+}  // namespace
+
+void HttpExchange::Respond(const HttpResponse& response) {
+    m_connection.Write(response.Head(response.body.size()) + response.body);
+}
+
+void HttpExchange::SendRaw(const std::string& bytes) {
+    m_connection.Write(bytes);
+}
+
+void HttpExchange::WaitForRelease() {
+    m_server.WaitForRelease(m_request.Path());
+}
+
+void HttpExchange::Cut() {
+    m_connection.Cut();
+}
+
+void HttpExchange::Reset() {
+    m_connection.Reset();
+}
+
+HttpServer::HttpServer(const TlsIdentity& identity)
+    : m_context(MakeContext(identity)),
+      m_listener(Listen()),
+      m_port(PortOf(m_listener)),
+      m_accepting([this] { AcceptConnections(); }) {}
+
+HttpServer::~HttpServer() {
+    std::unique_lock<std::mutex> guard(m_mutex);
+    m_stopping = true;
+    m_changed.notify_all();
+    for (const HttpConnection* const connection : m_open) {
+        connection->Interrupt();
+    }
+    m_changed.wait(guard, [this] { return m_open.empty(); });
+    guard.unlock();
+    shutdown(m_listener.Get(), SHUT_RDWR);
+    m_accepting.join();
+}
+
+std::string HttpServer::Url(const std::string& target, const std::string& host) const {
+    return (m_context ? "https://" : "http://") + host + ":" + std::to_string(m_port) + target;
+}
+
+void HttpServer::Handle(const std::string& path, HttpHandler handler) {
+    const std::lock_guard<std::mutex> guard(m_mutex);
+    m_handlers[path] = std::move(handler);
+}
+
+void HttpServer::Serve(const std::string& path, const HttpResponse& response) {
+    Handle(path, [response](HttpExchange& exchange) { exchange.Respond(response); });
+}
+
+void HttpServer::ServePage(const std::string& path, const std::string& body) {
+    Serve(path, {200, "<!DOCTYPE html><html><body>" + body + "</body></html>"});
+}
+
+void HttpServer::Redirect(const std::string& path, const std::string& location, unsigned status) {
+    Serve(path, {status, "", "", {{"Location", location}}});
+}
+
+void HttpServer::ServeOnRelease(const std::string& path, const HttpResponse& response) {
+    Handle(path, [response](HttpExchange& exchange) {
+        exchange.WaitForRelease();
+        exchange.Respond(response);
+    });
+}
+
+void HttpServer::ServeHalfUntilRelease(const std::string& path, const HttpResponse& response) {
+    Handle(path, [response](HttpExchange& exchange) {
+        const std::size_t half = response.body.size() / 2;
+        exchange.SendRaw(response.Head(response.body.size()) + response.body.substr(0, half));
+        exchange.WaitForRelease();
+        exchange.SendRaw(response.body.substr(half));
+    });
+}
+
+void HttpServer::Release(const std::string& path) {
+    {
+        const std::lock_guard<std::mutex> guard(m_mutex);
+        m_released.insert(path);
+    }
+    m_changed.notify_all();
+}
+
+std::vector<HttpRequest> HttpServer::Requests() const {
+    const std::lock_guard<std::mutex> guard(m_mutex);
+    return m_requests;
+}
+
+std::vector<std::string> HttpServer::RequestLines() const {
+    std::vector<std::string> lines;
+    for (const HttpRequest& request : Requests()) {
+        lines.push_back(request.method + " " + request.target);
+    }
+    return lines;
+}
+
+bool HttpServer::WaitForRequest(const std::string& path, std::size_t count) const {
+    std::unique_lock<std::mutex> guard(m_mutex);
+    return m_changed.wait_for(guard, kTestDeadline, [&] { return CountRequests(path) >= count; });
+}
+
+void HttpServer::AcceptConnections() {
+    BlockSignals();
+    for (;;) {
+        FileDescriptor socket(accept4(m_listener.Get(), nullptr, nullptr, SOCK_CLOEXEC));
+        const std::lock_guard<std::mutex> guard(m_mutex);
+        if (m_stopping) {
+            return;
+        }
+        if (socket.Get() >= 0) {
+            Start(std::move(socket));
+        }
+    }
+}
+
+// The caller holds the lock, so that the destructor either sees the connection or prevents it.
+void HttpServer::Start(FileDescriptor socket) {
+    auto connection = std::make_unique<HttpConnection>(std::move(socket), m_context.get());
+    m_open.push_back(connection.get());
+    // Detached, since there may be thousands; the destructor waits for the last one.
+    std::thread([this, owned = std::move(connection)] {
+        Answer(*owned);
+        Forget(*owned);
+    }).detach();
+}
+
+void HttpServer::Answer(HttpConnection& connection) {
+    if (!connection.Accept()) {
+        return;
+    }
+    HttpRequestReader reader;
+    while (!reader.IsDone()) {
+        const std::string bytes = connection.Read();
+        if (bytes.empty() || !reader.Feed(bytes)) {
+            return;
+        }
+    }
+    const HttpRequest request = reader.Take();
+    HttpExchange exchange(*this, connection, request);
+    Record(request)(exchange);
+    connection.Finish();
+}
+
+void HttpServer::Forget(const HttpConnection& connection) {
+    const std::lock_guard<std::mutex> guard(m_mutex);
+    m_open.remove(&connection);
+    m_changed.notify_all();
+}
+
+HttpHandler HttpServer::Record(const HttpRequest& request) {
+    const std::lock_guard<std::mutex> guard(m_mutex);
+    m_requests.push_back(request);
+    m_changed.notify_all();
+    const auto handler = m_handlers.find(request.Path());
+    return handler != m_handlers.end() ? handler->second : AnswerNotFound;
+}
+
+void HttpServer::WaitForRelease(const std::string& path) {
+    std::unique_lock<std::mutex> guard(m_mutex);
+    m_changed.wait(guard, [&] { return m_stopping || m_released.count(path) != 0; });
+}
+
+// The caller holds the lock.
+std::size_t HttpServer::CountRequests(const std::string& path) const {
+    return static_cast<std::size_t>(
+        std::count_if(m_requests.begin(), m_requests.end(),
+                      [&](const HttpRequest& request) { return request.Path() == path; }));
+}

@@ -1,0 +1,110 @@
+#pragma once
+
+#include <condition_variable>
+#include <cstdint>
+#include <functional>
+#include <list>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "FileDescriptor.h"
+#include "HttpMessage.h"
+#include "TlsIdentity.h"
+
+class HttpConnection;
+class HttpServer;
+struct ssl_ctx_st;
+
+/// One request that waits for its answer, on a thread of its own.
+class HttpExchange {
+public:
+    HttpExchange(HttpServer& server, HttpConnection& connection, HttpRequest request)
+        : m_server(server), m_connection(connection), m_request(std::move(request)) {}
+
+    [[nodiscard]] const HttpRequest& Request() const { return m_request; }
+
+    /// Sends a whole answer.
+    void Respond(const HttpResponse& response);
+    /// Sends bytes as they are; the connection ends properly behind the handler.
+    void SendRaw(const std::string& bytes);
+    /// Blocks until the server's Release() of this request's path, or its end.
+    void WaitForRelease();
+    /// Ends the connection without a word.
+    void Cut();
+    /// Ends it as a crashed or overloaded machine does, when the handler returns.
+    void Reset();
+
+private:
+    HttpServer& m_server;
+    HttpConnection& m_connection;
+    HttpRequest m_request;
+};
+
+using HttpHandler = std::function<void(HttpExchange&)>;
+
+/// A web server on a free loopback port, for as long as it lives. It answers each request on a
+/// thread of its own and closes the connection behind it; a path without a handler gets 404. What
+/// it did and did not receive is the test's to compare. Any thread.
+class HttpServer {
+public:
+    /// Throws std::runtime_error when the port or the certificate cannot be had.
+    explicit HttpServer(const TlsIdentity& identity = {});
+    ~HttpServer();
+    HttpServer(const HttpServer&) = delete;
+    HttpServer& operator=(const HttpServer&) = delete;
+
+    [[nodiscard]] std::uint16_t Port() const { return m_port; }
+    /// The address of a target, by number or by a name of this machine.
+    [[nodiscard]] std::string Url(const std::string& target,
+                                  const std::string& host = "127.0.0.1") const;
+
+    /// What answers a path from now on, whatever the query.
+    void Handle(const std::string& path, HttpHandler handler);
+    void Serve(const std::string& path, const HttpResponse& response);
+    /// A page with this body.
+    void ServePage(const std::string& path, const std::string& body);
+    void Redirect(const std::string& path, const std::string& location, unsigned status = 302);
+    /// No answer until Release(), then this one.
+    void ServeOnRelease(const std::string& path, const HttpResponse& response);
+    /// The head and the first half of the body at once, the rest after Release().
+    void ServeHalfUntilRelease(const std::string& path, const HttpResponse& response);
+
+    /// Lets those go on that wait at this path, now and later.
+    void Release(const std::string& path);
+
+    /// Every request so far, in the order of arrival.
+    [[nodiscard]] std::vector<HttpRequest> Requests() const;
+    /// The same as "GET /target".
+    [[nodiscard]] std::vector<std::string> RequestLines() const;
+    /// Blocks until so many requests for this path have come; false when the test deadline passed.
+    [[nodiscard]] bool WaitForRequest(const std::string& path, std::size_t count = 1) const;
+
+private:
+    friend class HttpExchange;
+
+    void AcceptConnections();
+    void Start(FileDescriptor socket);
+    void Answer(HttpConnection& connection);
+    void Forget(const HttpConnection& connection);
+    HttpHandler Record(const HttpRequest& request);
+    void WaitForRelease(const std::string& path);
+    [[nodiscard]] std::size_t CountRequests(const std::string& path) const;
+
+    std::shared_ptr<ssl_ctx_st> m_context;
+    FileDescriptor m_listener;
+    std::uint16_t m_port;
+
+    mutable std::mutex m_mutex;
+    mutable std::condition_variable m_changed;
+    bool m_stopping = false;
+    std::map<std::string, HttpHandler> m_handlers;
+    std::set<std::string> m_released;
+    std::vector<HttpRequest> m_requests;
+    std::list<const HttpConnection*> m_open;
+    std::thread m_accepting;
+};

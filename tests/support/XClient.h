@@ -1,0 +1,87 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Screenshot.h"
+
+struct xcb_connection_t;
+
+using XWindow = std::uint32_t;
+
+/// Where a window stands on its screen, and how large it is, in pixels.
+struct XGeometry {
+    int x = 0;
+    int y = 0;
+    int width = 0;
+    int height = 0;
+};
+
+bool operator==(const XGeometry& left, const XGeometry& right);
+
+enum class MouseButton : std::uint8_t { Left = 1, Middle = 2, Right = 3 };
+
+/// What a person at the screen can see and do, through a connection of its own to the X server. A
+/// window that is gone reads as unmapped, untitled and empty. For one thread.
+class XClient {
+public:
+    /// Throws std::runtime_error when there is no such display.
+    explicit XClient(const std::string& display);
+    ~XClient();
+    XClient(const XClient&) = delete;
+    XClient& operator=(const XClient&) = delete;
+
+    /// Every top-level window that an application named, shown or not.
+    [[nodiscard]] std::vector<XWindow> TopLevels() const;
+    [[nodiscard]] std::optional<XWindow> FindByTitle(const std::string& title) const;
+    [[nodiscard]] std::optional<XWindow> FindByPid(pid_t pid) const;
+
+    [[nodiscard]] bool IsMapped(XWindow window) const;
+    [[nodiscard]] std::string Title(XWindow window) const;
+    [[nodiscard]] XGeometry Geometry(XWindow window) const;
+    [[nodiscard]] XWindow Focused() const;
+    [[nodiscard]] Screenshot Capture(XWindow window) const;
+    [[nodiscard]] XWindow Root() const;
+
+    /// Blocks until the predicate holds, asking after each change of a top-level window; false when
+    /// the test deadline passed. Not for windows of this process, whose main loop would stand
+    /// still.
+    [[nodiscard]] bool WaitUntil(const std::function<bool()>& predicate);
+
+    /// Gives the window the keyboard, which without a window manager nobody else does. It must be
+    /// mapped.
+    void Focus(XWindow window);
+
+    /// Presses the keys in this order and lets them go in the opposite one. Keys are X keysyms. A
+    /// key that the keyboard does not have throws std::runtime_error.
+    void Press(const std::vector<std::uint32_t>& keys);
+
+    /// Types a text of ASCII letters, digits and signs.
+    void Type(const std::string& text);
+
+    void MovePointer(XWindow window, int x, int y);
+    /// Clicks at a position within the window.
+    void Click(XWindow window, int x, int y, MouseButton button = MouseButton::Left);
+
+    /// What a window manager does when the user closes the window.
+    void Close(XWindow window);
+
+private:
+    class Keyboard;
+
+    [[nodiscard]] std::uint32_t Atom(const std::string& name) const;
+    [[nodiscard]] std::string Property(XWindow window, const std::string& name) const;
+    void FakeInput(std::uint8_t type, std::uint8_t detail, int x = 0, int y = 0);
+    /// Returns when the server has handled everything so far.
+    void Synchronise() const;
+
+    std::unique_ptr<xcb_connection_t, void (*)(xcb_connection_t*)> m_connection;
+    XWindow m_root;
+    std::unique_ptr<Keyboard> m_keyboard;
+};
