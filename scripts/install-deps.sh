@@ -8,7 +8,7 @@ source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 packages=(
     # to build
-    build-essential cmake ninja-build pkg-config
+    build-essential cmake gettext ninja-build pkg-config
     libgtk-3-dev libwebkit2gtk-4.0-dev libsoup2.4-dev
     libboost-dev libboost-system-dev libboost-thread-dev libcli11-dev
     # to run: HTTPS needs GLib's TLS module
@@ -18,7 +18,7 @@ packages=(
 )
 test_packages=(
     libgmock-dev libgtest-dev
-    gettext libnss-wrapper libssl-dev libx11-dev libxtst-dev locales openssl
+    libnss-wrapper libpng-dev libssl-dev libxcb-xtest0-dev libxcb1-dev locales openssl
     binutils clang-format clang-tidy git
 )
 

@@ -34,6 +34,14 @@ std::string DataDirectory() {
     return user != nullptr ? std::string(user->pw_dir) + "/.velto/" : "";
 }
 
+// The window does without an icon where the suite's resources are missing.
+void SetWindowIcon(GtkWindow* window) {
+    GError* rawError = nullptr;
+    gtk_window_set_icon_from_file(window, (std::string(kInstallRoot) + kWindowIcon).c_str(),
+                                  &rawError);
+    const GErrorPtr ignored(rawError);
+}
+
 // GLib counts the timeout in milliseconds in as many bits as it takes seconds in.
 guint LongestTimeoutAtMost(std::uint32_t seconds) {
     return std::min<guint>(seconds, std::numeric_limits<guint>::max() / 1000);
@@ -68,8 +76,7 @@ void GtkBrowserWindow::init(GtkApplication* application) {
     GtkWindow* const window = GTK_WINDOW(m_window.get());
     gtk_window_set_title(window, MsgCatalog::getMessage(kLoginWindowTitle.c_str()).c_str());
     gtk_window_set_default_size(window, kWindowWidth, kWindowHeight);
-    gtk_window_set_icon_from_file(window, (std::string(kInstallRoot) + kWindowIcon).c_str(),
-                                  nullptr);
+    SetWindowIcon(window);
     m_acceleratorGroup.reset(gtk_accel_group_new());
     gtk_window_add_accel_group(window, m_acceleratorGroup.get());
     g_signal_connect(m_window.get(), "delete-event", G_CALLBACK(onDeleteEvent), this);
