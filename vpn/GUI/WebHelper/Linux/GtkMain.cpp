@@ -22,7 +22,7 @@ constexpr std::uint32_t kPortSpan = 65535 - kLowestPort;
 
 // The log stands before anything else runs and ends after the last of it.
 ResultCode logResult = kSuccess;
-const CAppLog applicationLog(logResult, "tkwebhelper", nullptr);
+CAppLog applicationLog(logResult, "tkwebhelper", nullptr);
 
 // Low 32 bits of the number that the text begins with; whatever follows it is ignored.
 std::uint32_t ParsePort(const char* text) {
