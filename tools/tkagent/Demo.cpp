@@ -130,11 +130,11 @@ void CDemo::atForm() {
     if (m_options.atFormCommand.empty()) {
         return;
     }
-    CChildProcess shell;
-    ChildCommand command;
+    CLaunchedProcess shell;
+    LaunchCommand command;
     command.arguments = {"/bin/sh", "-c", m_options.atFormCommand};
     std::string reason;
-    std::optional<ChildEnd> end;
+    std::optional<ProcessEnd> end;
     if (shell.Start(command, reason)) {
         end = shell.WaitForEnd(DeadlineIn(kCommandPatience));
     }

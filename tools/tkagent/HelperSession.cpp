@@ -22,7 +22,7 @@ AgentStatus CHelperSession::launch(const std::string& helperPath) {
     if (!m_server.Listen(reason)) {
         return fail(AgentStatus::AgentFailure, "cannot listen on 127.0.0.1: " + reason);
     }
-    ChildCommand command;
+    LaunchCommand command;
     command.arguments = {helperPath, std::to_string(m_server.Port())};
     command.output = STDERR_FILENO;
     if (!m_process.Start(command, reason)) {
@@ -71,7 +71,7 @@ AgentStatus CHelperSession::Finish() {
         // A helper that no longer takes it has ended, and how it ended is what counts.
         static_cast<void>(Send(TerminateOperation()));
     }
-    const std::optional<ChildEnd> end = m_process.WaitForEnd(DeadlineIn(m_patience));
+    const std::optional<ProcessEnd> end = m_process.WaitForEnd(DeadlineIn(m_patience));
     if (!end.has_value()) {
         return timedOut("did not end");
     }
@@ -81,7 +81,7 @@ AgentStatus CHelperSession::Finish() {
 
 // The connection has gone, so the process is about to follow.
 AgentStatus CHelperSession::helperGone() {
-    const std::optional<ChildEnd> end = m_process.WaitForEnd(DeadlineIn(m_patience));
+    const std::optional<ProcessEnd> end = m_process.WaitForEnd(DeadlineIn(m_patience));
     const std::string how = end.has_value() ? end->Text() : "closed the connection but still runs";
     return fail(AgentStatus::HelperFailed, "the helper " + how);
 }

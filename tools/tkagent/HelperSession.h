@@ -7,8 +7,8 @@
 #include "AgentServer.h"
 #include "AgentStatus.h"
 #include "BrowserDataModel.h"
-#include "ChildProcess.h"
 #include "HelperConnection.h"
+#include "LaunchedProcess.h"
 
 /// One run of the helper, from its start to its end, with one patience for every wait. Each step
 /// gives Success, or what went wrong, which Problem() then tells in words. Thread-unsafe.
@@ -44,7 +44,7 @@ private:
 
     std::chrono::seconds m_patience;
     CAgentServer m_server;
-    CChildProcess m_process;
+    CLaunchedProcess m_process;
     std::optional<CHelperConnection> m_connection;
     bool m_terminateSent = false;
     std::string m_problem;

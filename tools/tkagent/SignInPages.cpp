@@ -20,9 +20,9 @@ constexpr const char* kPageHead = R"html(<!DOCTYPE html>
     box-shadow: 0 24px 60px rgba(6, 22, 46, .35);
   }
   .mark {
-    width: 48px; height: 48px; margin-bottom: 18px; border-radius: 12px;
-    background: linear-gradient(140deg, #12305a, #1f6f8b);
-    color: #fff; font-size: 24px; line-height: 48px; text-align: center;
+    display: block; width: 48px; height: 48px; padding: 11px; margin-bottom: 18px;
+    border-radius: 12px; background: linear-gradient(140deg, #12305a, #1f6f8b);
+    fill: none; stroke: #fff; stroke-width: 2; stroke-linecap: round; stroke-linejoin: round;
   }
   h1 { margin: 0 0 4px; font-size: 22px; font-weight: 600; }
   p { margin: 0 0 22px; color: #5b6b7b; }
@@ -50,7 +50,9 @@ constexpr const char* kPageHead = R"html(<!DOCTYPE html>
 
 constexpr const char* kPageEnd = "</main>\n</body>\n</html>\n";
 
-constexpr const char* kFormStart = R"html(  <div class="mark">&#128274;&#65038;</div>
+constexpr const char* kFormStart =
+    R"html(  <svg class="mark" viewBox="0 0 24 24"><rect x="4" y="11" width="16" height="10" rx="2"
+    fill="#fff"/><path d="M8 11V7a4 4 0 0 1 8 0v4"/></svg>
   <h1>Sign in</h1>
   <p>to continue to your private network</p>
   <form method="post" action="/signin">
@@ -64,22 +66,24 @@ constexpr const char* kFormEnd = R"html(    <button>Sign in</button>
   </form>
 )html";
 
-constexpr const char* kWelcome = R"html(  <div class="mark">&#10003;</div>
+constexpr const char* kWelcome =
+    R"html(  <svg class="mark" viewBox="0 0 24 24"><path d="M5 13l4 4L19 7"/></svg>
   <h1>You are signed in</h1>
   <p>This window closes by itself.</p>
 )html";
 
-// Two frames: the first callback runs before the page is painted, the second after.
+// The engine tells the first paint of content; two frames later the window has taken it over.
 constexpr const char* kScriptStart = R"html(<script>
-  const painted = () => new Promise(
-      done => requestAnimationFrame(() => requestAnimationFrame(done)));
+  const firstPaint = new Promise(done => new PerformanceObserver(done)
+      .observe({ type: 'paint', buffered: true }));
+  const nextFrame = () => new Promise(done => requestAnimationFrame(done));
   const signIn = (user, password) => {
     const form = document.forms[0];
     form.user.value = user;
     form.password.value = password;
     form.submit();
   };
-  painted()
+  firstPaint.then(nextFrame).then(nextFrame)
 )html";
 
 std::string MessageBlock(const std::string& message) {

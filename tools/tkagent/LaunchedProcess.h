@@ -11,7 +11,7 @@
 #include "UniqueFd.h"
 
 /// How a process is started.
-struct ChildCommand {
+struct LaunchCommand {
     /// The program's path, then its arguments.
     std::vector<std::string> arguments;
     /// Changes to the inherited environment: a new value, or nothing to remove the variable.
@@ -24,7 +24,7 @@ struct ChildCommand {
 };
 
 /// How a process ended.
-struct ChildEnd {
+struct ProcessEnd {
     bool signalled = false;
     /// The exit status, or the signal's number.
     int code = 0;
@@ -36,22 +36,22 @@ struct ChildEnd {
 
 /// One child process. It inherits no descriptor but its standard streams. It is killed when this
 /// object goes, and by the kernel when the thread that started it ends. Thread-unsafe.
-class CChildProcess {
+class CLaunchedProcess {
 public:
-    CChildProcess() = default;
-    ~CChildProcess();
-    CChildProcess(const CChildProcess&) = delete;
-    CChildProcess& operator=(const CChildProcess&) = delete;
+    CLaunchedProcess() = default;
+    ~CLaunchedProcess();
+    CLaunchedProcess(const CLaunchedProcess&) = delete;
+    CLaunchedProcess& operator=(const CLaunchedProcess&) = delete;
 
     /// Starts the program, once per object. On failure the reason says why.
-    [[nodiscard]] bool Start(const ChildCommand& command, std::string& reason);
+    [[nodiscard]] bool Start(const LaunchCommand& command, std::string& reason);
 
     [[nodiscard]] pid_t Pid() const { return m_pid; }
     /// A descriptor that can be read once the process has ended; -1 before the start.
     [[nodiscard]] int EndDescriptor() const { return m_pidFd.Get(); }
 
     /// How the process ended; nothing when it was never started or the deadline passed.
-    [[nodiscard]] std::optional<ChildEnd> WaitForEnd(Deadline deadline);
+    [[nodiscard]] std::optional<ProcessEnd> WaitForEnd(Deadline deadline);
 
     /// Sends a signal; nothing happens once the process has ended.
     void Signal(int number) const;
@@ -62,5 +62,5 @@ private:
 
     pid_t m_pid = -1;
     CUniqueFd m_pidFd;
-    std::optional<ChildEnd> m_end;
+    std::optional<ProcessEnd> m_end;
 };

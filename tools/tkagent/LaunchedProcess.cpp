@@ -1,4 +1,4 @@
-#include "ChildProcess.h"
+#include "LaunchedProcess.h"
 
 #include <fcntl.h>
 #include <linux/close_range.h>
@@ -30,7 +30,7 @@ struct LaunchPlan {
     pid_t parent;
 };
 
-std::vector<std::string> EnvironmentOf(const ChildCommand& command) {
+std::vector<std::string> EnvironmentOf(const LaunchCommand& command) {
     std::vector<std::string> texts;
     for (char** entry = environ; *entry != nullptr; ++entry) {
         const std::string text(*entry);
@@ -91,7 +91,7 @@ bool PrepareChild(const LaunchPlan& plan) {
 
 }  // namespace
 
-std::string ChildEnd::Text() const {
+std::string ProcessEnd::Text() const {
     if (!signalled) {
         return "exited with status " + std::to_string(code);
     }
@@ -100,14 +100,14 @@ std::string ChildEnd::Text() const {
            (name != nullptr ? "SIG" + std::string(name) : "signal " + std::to_string(code));
 }
 
-CChildProcess::~CChildProcess() {
+CLaunchedProcess::~CLaunchedProcess() {
     if (m_pid > 0 && !m_end.has_value()) {
         Signal(SIGKILL);
         Reap();
     }
 }
 
-bool CChildProcess::Start(const ChildCommand& command, std::string& reason) {
+bool CLaunchedProcess::Start(const LaunchCommand& command, std::string& reason) {
     std::array<int, 2> pipeEnds{};
     const CUniqueFd noInput(open("/dev/null", O_RDONLY | O_CLOEXEC));
     if (!noInput.IsOpen() || pipe2(pipeEnds.data(), O_CLOEXEC) != 0) {
@@ -140,7 +140,7 @@ bool CChildProcess::Start(const ChildCommand& command, std::string& reason) {
     return Watch(reason);
 }
 
-bool CChildProcess::Watch(std::string& reason) {
+bool CLaunchedProcess::Watch(std::string& reason) {
     m_pidFd.Reset(pidfd_open(m_pid, 0));
     if (!m_pidFd.IsOpen()) {
         reason = std::strerror(errno);
@@ -148,7 +148,7 @@ bool CChildProcess::Watch(std::string& reason) {
     return m_pidFd.IsOpen();
 }
 
-std::optional<ChildEnd> CChildProcess::WaitForEnd(Deadline deadline) {
+std::optional<ProcessEnd> CLaunchedProcess::WaitForEnd(Deadline deadline) {
     if (!m_end.has_value() && m_pidFd.IsOpen() &&
         WaitReadable({m_pidFd.Get()}, deadline).has_value()) {
         Reap();
@@ -156,16 +156,16 @@ std::optional<ChildEnd> CChildProcess::WaitForEnd(Deadline deadline) {
     return m_end;
 }
 
-void CChildProcess::Signal(int number) const {
+void CLaunchedProcess::Signal(int number) const {
     if (m_pid > 0 && !m_end.has_value()) {
         kill(m_pid, number);
     }
 }
 
-void CChildProcess::Reap() {
+void CLaunchedProcess::Reap() {
     int status = 0;
     while (waitpid(m_pid, &status, 0) < 0 && errno == EINTR) {
     }
-    m_end = WIFSIGNALED(status) ? ChildEnd{true, WTERMSIG(status)}
-                                : ChildEnd{false, WEXITSTATUS(status)};
+    m_end = WIFSIGNALED(status) ? ProcessEnd{true, WTERMSIG(status)}
+                                : ProcessEnd{false, WEXITSTATUS(status)};
 }
