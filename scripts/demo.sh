@@ -45,7 +45,7 @@ printf 'display %s\n' "$DISPLAY"
 
 step "Demo: the page signs in by itself"
 rm -f "$picture"
-"$tkagent" demo --unattended --timeout 120 --at-form "scrot --overwrite '$picture'" ||
+"$tkagent" demo --unattended --timeout 120 --at-form "'$root/scripts/take-picture.sh' '$picture'" ||
     fail "$current_step"
 [ -s "$picture" ] || fail "no picture at $picture"
 printf '\ndemo.sh: the sign-in succeeded; the window at its form: %s\n' "$picture"
