@@ -58,6 +58,13 @@ void SendWithoutDelay(tcp::socket& socket) {
     socket.set_option(tcp::no_delay(true), ignored);
 }
 
+// TCP can connect a socket to itself when nobody listens on its port and chance makes that port
+// its own, too.
+bool IsConnectedToItself(const tcp::socket& socket) {
+    error_code ignored;
+    return socket.local_endpoint(ignored) == socket.remote_endpoint(ignored);
+}
+
 // An operation that came to its end before it was cancelled, but not to its goal, was cancelled.
 error_code AbortedUnless(bool complete, const error_code& error) {
     return error || complete ? error : error_code(boost::asio::error::operation_aborted);
@@ -166,8 +173,10 @@ bool CJsonIpcClient::openSocket() {
 }
 
 void CJsonIpcClient::openGate() {
-    if (m_connection != nullptr) {
-        m_connection->gate.Open();
+    // From here on a callback can destroy this object: the copy keeps the gate.
+    const std::shared_ptr<Connection> connection = m_connection;
+    if (connection != nullptr) {
+        connection->gate.Open();
     }
 }
 
@@ -222,8 +231,11 @@ void CJsonIpcClient::initIpc() {
     connection.connectTimerArmed = true;
     connection.connecting = true;
     connection.readCancelled = false;
-    connection.socket.async_connect(connection.endpoint,
-                                    [this](const error_code& error) { handleConnect(error); });
+    connection.socket.async_connect(
+        connection.endpoint, [this, &connection](const error_code& error) {
+            const bool toItself = !error && IsConnectedToItself(connection.socket);
+            handleConnect(toItself ? boost::asio::error::connection_refused : error);
+        });
 }
 
 void CJsonIpcClient::handleConnectTimeout(const error_code& error) {
