@@ -30,6 +30,13 @@ public:
 
     [[nodiscard]] ResultCode SendBrowserResult(const CBrowserResult& result) override;
 
+    // What the transport calls, on the I/O thread.
+    void OnMsgReceived(std::uint32_t messageId, const char* payload, std::size_t length) override;
+    void OnIpcSendComplete(std::uint32_t messageId) override;
+    void OnIpcSendError(std::uint32_t messageId) override;
+    void OnIpcConnectError() override;
+    void OnIpcReceiveError() override;
+
 private:
     friend void UnregisterBrowserIpcClient(IBrowserIpcClient* client);
 
@@ -37,12 +44,6 @@ private:
 
     /// Gives one reference back; true when the client is to be destroyed.
     [[nodiscard]] static bool releaseInstance(const IBrowserIpcClient* client);
-
-    void OnMsgReceived(std::uint32_t messageId, const char* payload, std::size_t length) override;
-    void OnIpcSendComplete(std::uint32_t messageId) override;
-    void OnIpcSendError(std::uint32_t messageId) override;
-    void OnIpcConnectError() override;
-    void OnIpcReceiveError() override;
 
     // Touched on the owner's thread only.
     static CBrowserIpcClient* s_instance;
