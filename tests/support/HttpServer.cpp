@@ -156,9 +156,14 @@ std::vector<std::string> HttpServer::RequestLines() const {
     return lines;
 }
 
+std::size_t HttpServer::CountRequests(const std::string& path) const {
+    const std::lock_guard<std::mutex> guard(m_mutex);
+    return CountLocked(path);
+}
+
 bool HttpServer::WaitForRequest(const std::string& path, std::size_t count) const {
     std::unique_lock<std::mutex> guard(m_mutex);
-    return m_changed.wait_for(guard, kTestDeadline, [&] { return CountRequests(path) >= count; });
+    return m_changed.wait_for(guard, kTestDeadline, [&] { return CountLocked(path) >= count; });
 }
 
 void HttpServer::AcceptConnections() {
@@ -223,7 +228,7 @@ void HttpServer::WaitForRelease(const std::string& path) {
 }
 
 // The caller holds the lock.
-std::size_t HttpServer::CountRequests(const std::string& path) const {
+std::size_t HttpServer::CountLocked(const std::string& path) const {
     return static_cast<std::size_t>(
         std::count_if(m_requests.begin(), m_requests.end(),
                       [&](const HttpRequest& request) { return request.Path() == path; }));

@@ -81,6 +81,8 @@ public:
     [[nodiscard]] std::vector<HttpRequest> Requests() const;
     /// The same as "GET /target".
     [[nodiscard]] std::vector<std::string> RequestLines() const;
+    /// How many requests for this path have come.
+    [[nodiscard]] std::size_t CountRequests(const std::string& path) const;
     /// Blocks until so many requests for this path have come; false when the test deadline passed.
     [[nodiscard]] bool WaitForRequest(const std::string& path, std::size_t count = 1) const;
 
@@ -93,7 +95,7 @@ private:
     void Forget(const HttpConnection& connection);
     HttpHandler Record(const HttpRequest& request);
     void WaitForRelease(const std::string& path);
-    [[nodiscard]] std::size_t CountRequests(const std::string& path) const;
+    [[nodiscard]] std::size_t CountLocked(const std::string& path) const;
 
     std::shared_ptr<ssl_ctx_st> m_context;
     FileDescriptor m_listener;

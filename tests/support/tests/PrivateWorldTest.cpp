@@ -30,6 +30,13 @@ bool StandsOutside(const fs::path& path) {
     return fs::exists("/proc/1/root" / path.relative_path());
 }
 
+PrivateWorld WithAuthoritiesOnly(const std::string& certificates) {
+    PrivateWorld world;
+    world.home = world.opt = world.dev = false;
+    world.trustedCertificates = certificates;
+    return world;
+}
+
 bool ReachesOutside() {
     return access("/proc/1/root/", X_OK) == 0;
 }
@@ -94,7 +101,7 @@ TEST(PrivateWorldTest, SaysWhyItCannotBeMade) {
     testing::internal::CaptureStderr();
     const pid_t child = fork();
     if (child == 0) {
-        _exit(EnterPrivateWorld({false, false, false, "/no/such/file.pem"}) ? 0 : 7);
+        _exit(EnterPrivateWorld(WithAuthoritiesOnly("/no/such/file.pem")) ? 0 : 7);
     }
     int status = 0;
     ASSERT_EQ(waitpid(child, &status, 0), child);
@@ -109,7 +116,7 @@ TEST(PrivateWorldTest, PutsOtherCertificateAuthoritiesInPlace) {
     std::ofstream(bundle) << "mine\n";
     const pid_t child = fork();
     if (child == 0) {
-        const bool entered = EnterPrivateWorld({false, false, false, bundle});
+        const bool entered = EnterPrivateWorld(WithAuthoritiesOnly(bundle));
         std::string line;
         std::getline(std::ifstream("/etc/ssl/certs/ca-certificates.crt"), line);
         _exit(entered && line == "mine" ? 0 : 7);
