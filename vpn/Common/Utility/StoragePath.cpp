@@ -78,7 +78,7 @@ std::string CStoragePath::GetUserProgramDataPath(const std::string& userName) co
         userName.empty() ? HomeOfRealUser() : HomeOfUser(userName);
     if (!home) {
         TK_LOG_WARNING("Error retrieving user pswd struct.");
-        // Without a slash: callers of the whole suite know the fallback as exactly this text.
+        // Deliberately without a slash behind it, unlike a home folder.
         return ".";
     }
     return *home + "/";

@@ -30,8 +30,8 @@ auto WithDomains(Action action) {
     return action(runtime.domains);
 }
 
-// The whole of plural handling: the plural text is a key of its own. Catalogues of the suite are
-// written for that, so the plural expression of their header must stay unused.
+// Deliberately the whole of plural handling: the plural text is a key of its own, and a catalogue's
+// plural expression and further forms are never used.
 const char* ChooseKey(const char* singular, const char* plural, unsigned long count) {
     return count == 1 ? singular : plural;
 }

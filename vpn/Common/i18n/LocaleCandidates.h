@@ -18,6 +18,7 @@ private:
     /// Size of the list with its terminating zero.
     static constexpr std::size_t kSize = 4096;
 
+    void Clear();
     void AppendCandidate(std::initializer_list<std::string_view> pieces);
     void RepeatLastCandidate();
     void AppendInLowerCase(std::string_view piece);

@@ -86,7 +86,7 @@ void CMoCatalog::Clear() {
     m_charset.clear();
 }
 
-// The probes are those of the suite's other readers, so that a table out of order reads alike.
+// A table out of order is not repaired: these probes decide which of its strings are found.
 const char* CMoCatalog::Find(const char* key) const {
     std::size_t low = 0;
     std::size_t high = m_originals.size();
@@ -104,8 +104,8 @@ const char* CMoCatalog::Find(const char* key) const {
     return nullptr;
 }
 
-// The entry with the empty original, as far as halving the index reaches it: the first one in a
-// sorted catalogue. Searching on would take up headers that the suite's other readers ignore.
+// The entry with the empty original: the first one of a sorted catalogue. Deliberately no more is
+// looked at than halving the index reaches; a header elsewhere counts as none.
 const char* CMoCatalog::FindHeader() const {
     if (m_originals.empty()) {
         return nullptr;

@@ -77,7 +77,7 @@ bool MsgCatalog::setCatalog(const std::string& catalogName) {
     if (charset.empty()) {
         return true;
     }
-    // The suite's catalogues declare it in small letters; any other spelling must be refused.
+    // Its case counts, deliberately: a catalogue that declares "UTF-8" is refused.
     if (charset == kSupportedCharset) {
         TK_LOG_INFORMATION("The character set is utf-8.");
         return true;
@@ -133,7 +133,7 @@ void MsgCatalog::getMessage(const char* identifier, const std::string& catalogNa
                             std::string& text) {
     const CManualLockGuard guard(state.lock);
     if (identifier != nullptr && identifier[0] != '\0') {
-        // The switch is not undone: the last catalogue asked for stays the current one.
+        // Deliberately not undone: the last catalogue asked for stays the current one.
         setCatalog(catalogName);
     }
     getMessage(identifier, text);

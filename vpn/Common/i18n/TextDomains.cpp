@@ -123,12 +123,11 @@ bool CTextDomains::Bind(const char* domain, const char* directory) {
 const char* CTextDomains::Translate(const char* domain, const char* key, int category) {
     const char* const categoryName = CategoryName(category);
     const char* const localeName = std::setlocale(LC_ALL, nullptr);
-    CLocaleCandidates candidates;
-    if (categoryName == nullptr || localeName == nullptr || !candidates.Build(localeName)) {
+    if (categoryName == nullptr || localeName == nullptr || !m_candidates.Build(localeName)) {
         return key;
     }
     Binding* const binding = FindBinding(domain);
-    if (binding == nullptr || !SelectCatalog(*binding, categoryName, candidates)) {
+    if (binding == nullptr || !SelectCatalog(*binding, categoryName)) {
         return key;
     }
     const char* const translation = binding->catalog.Find(key);
@@ -159,15 +158,14 @@ CTextDomains::Binding* CTextDomains::FindBinding(const char* domain) {
     return nullptr;
 }
 
-bool CTextDomains::SelectCatalog(Binding& binding, const char* category,
-                                 const CLocaleCandidates& candidates) {
-    if (IsLastSelection(binding, category, candidates)) {
+bool CTextDomains::SelectCatalog(Binding& binding, const char* category) {
+    if (IsLastSelection(binding, category)) {
         return true;
     }
     if (HasSlash(binding.domain)) {
         return false;
     }
-    std::string_view list = candidates.Text();
+    std::string_view list = m_candidates.Text();
     while (!list.empty()) {
         const std::string_view candidate = TakeCandidate(list);
         if (candidate == "C" || candidate == "POSIX") {
@@ -178,20 +176,19 @@ bool CTextDomains::SelectCatalog(Binding& binding, const char* category,
         }
         char path[kPathSize];
         FormatCatalogPath(path, binding.directory, candidate, category, binding.domain);
-        // A loaded catalogue stays, even if it is another locale's: its strings may be in use
-        // until somebody releases it or binds the domain again.
+        // A loaded catalogue stays, deliberately, even if it is another locale's: its strings are
+        // promised until somebody releases it or binds the domain again.
         if (IsRegularFile(path) && (binding.isLoaded || binding.Load(path))) {
             m_lastBinding = &binding;
             m_lastCategory = category;
-            m_lastCandidates = candidates;
+            m_lastCandidates = m_candidates;
             return true;
         }
     }
     return false;
 }
 
-bool CTextDomains::IsLastSelection(const Binding& binding, const char* category,
-                                   const CLocaleCandidates& candidates) const {
+bool CTextDomains::IsLastSelection(const Binding& binding, const char* category) const {
     return &binding == m_lastBinding && category == m_lastCategory && binding.isLoaded &&
-           std::strcmp(candidates.Text(), m_lastCandidates.Text()) == 0;
+           std::strcmp(m_candidates.Text(), m_lastCandidates.Text()) == 0;
 }

@@ -57,13 +57,14 @@ private:
     };
 
     Binding* FindBinding(const char* domain);
-    bool SelectCatalog(Binding& binding, const char* category, const CLocaleCandidates& candidates);
-    bool IsLastSelection(const Binding& binding, const char* category,
-                         const CLocaleCandidates& candidates) const;
+    bool SelectCatalog(Binding& binding, const char* category);
+    bool IsLastSelection(const Binding& binding, const char* category) const;
 
     char m_current[kNameSize];
     // Newest first, never taken out: a binding keeps its place for the process's life.
     std::forward_list<Binding> m_bindings;
+    // Those of the lookup that is going on.
+    CLocaleCandidates m_candidates;
 
     // How the last catalogue was selected: asking the same again needs no look at the disk.
     const Binding* m_lastBinding = nullptr;
