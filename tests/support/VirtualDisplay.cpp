@@ -37,8 +37,9 @@ constexpr int kAnnouncement = 3;
     }
     // It tells of each display number that it finds taken.
     dup2(open("/dev/null", O_WRONLY | O_CLOEXEC), STDERR_FILENO);
+    // Without -noreset it starts anew when its last client goes, and refuses the next meanwhile.
     execlp("Xvfb", "Xvfb", "-displayfd", "3", "-screen", "0", screen, "-nolisten", "tcp",
-           static_cast<char*>(nullptr));
+           "-noreset", static_cast<char*>(nullptr));
     _exit(EXIT_FAILURE);
 }
 
