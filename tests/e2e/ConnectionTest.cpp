@@ -1,0 +1,148 @@
+// How the program ends with its connection.
+
+#include <algorithm>
+
+#include "HelperTest.h"
+#include "LoopbackPeer.h"
+
+namespace {
+
+using testing::ElementsAre;
+
+constexpr const char* kHalfHeader = "\0\2\0\0";
+constexpr const char* kHeaderAndHalfPayload = "\0\x18\0\0\0\0\0\0\0{\"operation\"";
+
+/// The ways in which a program whose agent has gone may be found.
+class AgentsEnd : public HelperTest {
+protected:
+    /// The agent goes; the program must follow.
+    void ExpectEndAfterClose(const std::string& receiveError = "2-End of file") {
+        EXPECT_EQ(AwaitPromptEnd(), "exited with status 0");
+        EXPECT_THAT(LogLines(),
+                    ElementsAre("I Initiating IPC connection to 127.0.0.1:" + AgentPort() + "...",
+                                "I IPC connection established",
+                                "E IPC receive error [" + receiveError + "]",
+                                "E Error receving data from IPC server, exiting...",
+                                "I Successfully stopped io service thread"));
+    }
+};
+
+using Refused = HelperTest;
+
+}  // namespace
+
+TEST_F(Refused, EndsAtOnceWhenNobodyListens) {
+    const ClosedPort closed;
+    const std::string port = std::to_string(closed.Port());
+    ASSERT_NO_FATAL_FAILURE(Launch({port}));
+    EXPECT_EQ(AwaitPromptEnd(), "exited with status 0");
+    std::vector<std::string> lines = LogLines();
+    // The window may have come far enough to send its first result, to nobody.
+    const std::vector<std::string> unsent{
+        "E Failed to sent 'BROWSER_RESULT' message to server [32-Broken pipe]",
+        "W Notified of browser result send error"};
+    const auto found = std::search(lines.begin(), lines.end(), unsent.begin(), unsent.end());
+    if (found != lines.end()) {
+        lines.erase(found, found + 2);
+    }
+    EXPECT_THAT(lines, ElementsAre("I Initiating IPC connection to 127.0.0.1:" + port + "...",
+                                   "E IPC connect error [111-Connection refused]",
+                                   "E Error connecting to IPC server, exiting...",
+                                   "I Successfully stopped io service thread"));
+}
+
+TEST_F(AgentsEnd, EndsAHiddenProgram) {
+    ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
+    Connection().Close();
+    ExpectEndAfterClose();
+}
+
+TEST_F(AgentsEnd, EndsAShownProgram) {
+    ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
+    ShowWaitingPage();
+    Connection().Close();
+    ExpectEndAfterClose();
+}
+
+TEST_F(AgentsEnd, EndsAProgramInTheMiddleOfAHeader) {
+    ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
+    SendBytes({kHalfHeader, 4});
+    Connection().Close();
+    ExpectEndAfterClose();
+}
+
+TEST_F(AgentsEnd, EndsAProgramInTheMiddleOfAPayload) {
+    ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
+    SendBytes({kHeaderAndHalfPayload, 21});
+    Connection().Close();
+    ExpectEndAfterClose();
+}
+
+TEST_F(AgentsEnd, EndsAProgramWhoseAgentCrashed) {
+    ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
+    Connection().Abort();
+    ExpectEndAfterClose("104-Connection reset by peer");
+}
+
+TEST_F(AgentsEnd, EndsAProgramThatHasNotSaidReadyYet) {
+    ASSERT_NO_FATAL_FAILURE(LaunchAndAccept());
+    Connection().Close();
+    EXPECT_EQ(AwaitPromptEnd(), "exited with status 0");
+}
+
+namespace {
+
+class TerminateOperation : public HelperTest {
+protected:
+    /// The program is asked to end, and must do so without a further result.
+    void ExpectEndWithoutResult() {
+        Send(R"({"operation":"terminate"})");
+        EXPECT_EQ(AwaitPromptEnd(), "exited with status 0");
+        EXPECT_EQ(NextResult(), "(closed)");
+        EXPECT_THAT(LogLines(),
+                    ElementsAre("I Initiating IPC connection to 127.0.0.1:" + AgentPort() + "...",
+                                "I IPC connection established",
+                                "I Successfully stopped io service thread"));
+    }
+};
+
+}  // namespace
+
+TEST_F(TerminateOperation, EndsAHiddenProgram) {
+    ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
+    ExpectEndWithoutResult();
+}
+
+TEST_F(TerminateOperation, EndsAProgramThatShowsALoadingPage) {
+    ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
+    ShowWaitingPage();
+    ExpectEndWithoutResult();
+}
+
+TEST_F(TerminateOperation, EndsAProgramThatShowsALoadedPage) {
+    ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
+    m_server.ServePage("/page", "<img src='/picture'>");
+    Send(OperationText({{"operation", "browse"},
+                        {"show", "true"},
+                        {"url", m_server.Url("/page")},
+                        {"final_url", m_server.Url("/elsewhere")}}));
+    AwaitWindow();
+    EXPECT_TRUE(m_server.WaitForRequest("/picture"));
+    ExpectEndWithoutResult();
+}
+
+TEST_F(TerminateOperation, EndsAProgramAfterAnOperation) {
+    ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
+    m_server.ServePage("/page", "");
+    Send(OperationText({{"operation", "browse"},
+                        {"url", m_server.Url("/page")},
+                        {"final_url", m_server.Url("/page")}}));
+    EXPECT_EQ(NextResult(), "success");
+    ExpectEndWithoutResult();
+}
+
+TEST_F(TerminateOperation, EndsAProgramThatHasNotSaidReadyYet) {
+    ASSERT_NO_FATAL_FAILURE(LaunchAndAccept());
+    Send(R"({"operation":"terminate"})");
+    EXPECT_EQ(AwaitPromptEnd(), "exited with status 0");
+}

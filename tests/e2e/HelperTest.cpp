@@ -1,0 +1,133 @@
+#include "HelperTest.h"
+
+#include <cstdlib>
+
+#include "SystemLogLine.h"
+
+namespace {
+
+constexpr const char* kIdentity = "tkwebhelper";
+constexpr std::chrono::seconds kPromptly{5};
+
+std::string TextOf(ReceiveOutcome outcome, const CBrowserResult& result) {
+    switch (outcome) {
+        case ReceiveOutcome::Closed:
+            return "(closed)";
+        case ReceiveOutcome::TimedOut:
+            return "(timed out)";
+        case ReceiveOutcome::Garbled:
+            return "(garbled)";
+        case ReceiveOutcome::Received:
+            break;
+    }
+    const std::string value = result.GetCookieValue();
+    return ResultTypeNames.at(result.GetResultType()) + (value.empty() ? "" : " " + value);
+}
+
+bool IsOfMessageCatalog(const SystemLogLine& line) {
+    return line.file.find("/i18n/") != std::string::npos;
+}
+
+}  // namespace
+
+std::string OperationText(const std::vector<std::pair<std::string, std::string>>& members) {
+    std::string text;
+    for (const auto& [key, value] : members) {
+        text += (text.empty() ? "{\"" : ",\"") + key + "\":\"" + value + "\"";
+    }
+    return text + "}";
+}
+
+HelperTest::HelperTest() : m_screen(std::getenv("DISPLAY")) {
+    std::string reason;
+    EXPECT_TRUE(m_agent.Listen(reason)) << reason;
+}
+
+void HelperTest::Launch(const std::vector<std::string>& arguments, const Environment& environment) {
+    LaunchCommand command;
+    command.arguments = {TKWEBHELPER_PATH};
+    command.arguments.insert(command.arguments.end(), arguments.begin(), arguments.end());
+    command.environment = environment;
+    std::string reason;
+    ASSERT_TRUE(m_helper.Start(command, reason)) << reason;
+}
+
+void HelperTest::LaunchAndAccept(const Environment& environment) {
+    ASSERT_NO_FATAL_FAILURE(Launch({AgentPort()}, environment));
+    m_connection = m_agent.Accept(DeadlineIn(kTestDeadline));
+    ASSERT_TRUE(m_connection.has_value());
+}
+
+void HelperTest::LaunchAndAwaitReady(const Environment& environment) {
+    ASSERT_NO_FATAL_FAILURE(LaunchAndAccept(environment));
+    ASSERT_EQ(NextResult(), "ready");
+}
+
+void HelperTest::Send(const std::string& payload) {
+    ASSERT_TRUE(m_connection->SendPayload(payload));
+}
+
+void HelperTest::SendBytes(const std::string& bytes) {
+    ASSERT_TRUE(m_connection->SendBytes(bytes));
+}
+
+std::string HelperTest::NextResult() {
+    CBrowserResult result;
+    const ReceiveOutcome outcome = m_connection->ReceiveResult(result, DeadlineIn(kTestDeadline));
+    return TextOf(outcome, result);
+}
+
+XWindow HelperTest::ShowWaitingPage() {
+    m_server.ServeOnRelease("/waiting", {});
+    Send(OperationText({{"operation", "browse"},
+                        {"show", "true"},
+                        {"url", m_server.Url("/waiting")},
+                        {"final_url", m_server.Url("/elsewhere")}}));
+    EXPECT_TRUE(m_server.WaitForRequest("/waiting"));
+    return AwaitWindow();
+}
+
+XWindow HelperTest::AwaitWindow() {
+    XWindow shown = 0;
+    // The display is this test's own: whatever is shown on it is the program's.
+    EXPECT_TRUE(m_screen.WaitUntil([&] {
+        for (const XWindow window : m_screen.TopLevels()) {
+            shown = m_screen.IsMapped(window) ? window : shown;
+        }
+        return shown != 0;
+    }));
+    return shown;
+}
+
+bool HelperTest::AwaitHidden(XWindow window) {
+    return m_screen.WaitUntil([&] { return !m_screen.IsMapped(window); });
+}
+
+std::string HelperTest::Terminate() {
+    Send(R"({"operation":"terminate"})");
+    return AwaitEnd();
+}
+
+std::string HelperTest::AwaitEnd() {
+    const std::optional<ProcessEnd> end = m_helper.WaitForEnd(DeadlineIn(kTestDeadline));
+    return end.has_value() ? end->Text() : "still runs";
+}
+
+std::string HelperTest::AwaitPromptEnd() {
+    const auto start = std::chrono::steady_clock::now();
+    const std::string end = AwaitEnd();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, kPromptly);
+    return end;
+}
+
+std::vector<std::string> HelperTest::LogLines() {
+    std::vector<std::string> lines;
+    for (const SystemLogRecord& record : m_log.Records()) {
+        const SystemLogLine line = ParseSystemLogLine(record);
+        if (record.identity == kIdentity && record.pid == m_helper.Pid() &&
+            !IsOfMessageCatalog(line)) {
+            lines.push_back(line.level + (" " + line.message));
+        }
+    }
+    return lines;
+}

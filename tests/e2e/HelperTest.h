@@ -1,0 +1,77 @@
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <map>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "AgentServer.h"
+#include "HttpServer.h"
+#include "LaunchedProcess.h"
+#include "SystemLog.h"
+#include "TestDeadline.h"
+#include "XClient.h"
+
+/// An operation as its JSON text, from its members in order.
+[[nodiscard]] std::string OperationText(
+    const std::vector<std::pair<std::string, std::string>>& members);
+
+/// The real program, seen only from outside. The test is its agent, its web server, the system log
+/// that it writes to, and the person at its screen.
+class HelperTest : public testing::Test {
+protected:
+    /// Changes to the program's environment; nothing as a value removes the variable.
+    using Environment = std::map<std::string, std::optional<std::string>>;
+
+    HelperTest();
+
+    /// Starts the program with these arguments.
+    void Launch(const std::vector<std::string>& arguments, const Environment& environment = {});
+    /// Starts it with the agent's port and accepts its connection.
+    void LaunchAndAccept(const Environment& environment = {});
+    /// The same, and takes its first message.
+    void LaunchAndAwaitReady(const Environment& environment = {});
+
+    [[nodiscard]] CHelperConnection& Connection() { return *m_connection; }
+    void Send(const std::string& payload);
+    void SendBytes(const std::string& bytes);
+
+    /// The next result as "success" or "success_with_cookie value"; "(closed)", "(timed out)" or
+    /// "(garbled)" when there is none.
+    [[nodiscard]] std::string NextResult();
+
+    /// Shows a page whose operation stays open, and waits for the window.
+    XWindow ShowWaitingPage();
+    /// The program's window, once it is on the screen.
+    XWindow AwaitWindow();
+    /// Whether the window gets hidden.
+    [[nodiscard]] bool AwaitHidden(XWindow window);
+
+    /// Asks the program to end, and waits for that.
+    [[nodiscard]] std::string Terminate();
+    /// "exited with status 0", say; "still runs" when the test deadline passed.
+    [[nodiscard]] std::string AwaitEnd();
+    /// The same, for an end that must follow what was just done at once: an unwoken main loop ends
+    /// too, but seconds later.
+    [[nodiscard]] std::string AwaitPromptEnd();
+
+    /// The program's log records so far, in order, as "E message" or, for a failed call,
+    /// "E function returned 0xFE000002"; without the two records of the message catalogue, which
+    /// come from another thread than the connection's.
+    [[nodiscard]] std::vector<std::string> LogLines();
+
+    [[nodiscard]] std::string AgentPort() const { return std::to_string(m_agent.Port()); }
+
+    CAgentServer m_agent;
+    SystemLog m_log;
+    HttpServer m_server;
+    XClient m_screen;
+    CLaunchedProcess m_helper;
+
+private:
+    std::optional<CHelperConnection> m_connection;
+};
