@@ -18,6 +18,7 @@
 #include <cerrno>
 #include <deque>
 #include <exception>
+#include <utility>
 #include <vector>
 
 #include "AppLog.h"
@@ -317,12 +318,14 @@ std::size_t CJsonIpcClient::processReceivedData(std::size_t bytesTransferred) {
 }
 
 void CJsonIpcClient::sendMessage(std::uint32_t messageId, const std::string& payload) {
-    if (m_connection == nullptr) {
+    // What the message sets off can destroy this object before the call returns: the copy keeps
+    // the io_service.
+    const std::shared_ptr<Connection> connection = m_connection;
+    if (connection == nullptr) {
         return;
     }
-    boost::asio::io_service& ioService = m_connection->ioService;
-    const auto send = std::make_shared<Send>(ioService, messageId, payload);
-    boost::asio::post(ioService, [this, send] {
+    auto send = std::make_shared<Send>(connection->ioService, messageId, payload);
+    boost::asio::post(connection->ioService, [this, send = std::move(send)] {
         m_connection->waitingSends.push_back(send);
         startNextSend();
     });
