@@ -1,20 +1,28 @@
 #pragma once
 
-#include <future>
+#include <condition_variable>
+#include <mutex>
 
 #include "TestDeadline.h"
 
-/// Something that happens once, on any thread, and that another waits for.
+/// Something that happens once, on any thread, and that another waits for. Once Wait() has
+/// returned true nobody touches it any more.
 class Event {
 public:
-    void Set() { m_promise.set_value(); }
+    void Set() {
+        const std::lock_guard<std::mutex> guard(m_mutex);
+        m_hasHappened = true;
+        m_happened.notify_all();
+    }
 
     /// False when the test deadline passed.
-    [[nodiscard]] bool Wait() const {
-        return m_happened.wait_for(kTestDeadline) == std::future_status::ready;
+    [[nodiscard]] bool Wait() {
+        std::unique_lock<std::mutex> guard(m_mutex);
+        return m_happened.wait_for(guard, kTestDeadline, [this] { return m_hasHappened; });
     }
 
 private:
-    std::promise<void> m_promise;
-    std::shared_future<void> m_happened{m_promise.get_future()};
+    std::mutex m_mutex;
+    std::condition_variable m_happened;
+    bool m_hasHappened = false;
 };

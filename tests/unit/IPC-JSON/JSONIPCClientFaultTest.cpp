@@ -1,70 +1,75 @@
-#include "JSONIPCClientFixture.h"
+#include <gmock/gmock.h>
+#include <sys/syscall.h>
+
+#include <cstdlib>
+#include <iostream>
+#include <optional>
+
+#include "LogCapture.h"
+#include "LoopbackPeer.h"
+#include "OpenDescriptors.h"
+#include "RecordingClient.h"
 #include "ScarceResources.h"
 
 using ::testing::ElementsAre;
+using ::testing::ExitedWithCode;
+using ::testing::StrEq;
 
 namespace {
 
-// Asio's own: the interrupter, epoll and its timer.
-constexpr unsigned kDescriptorsOfAnIoService = 3;
-
-using JSONIPCClientFault = JSONIPCClientFixture;
-
-TEST_F(JSONIPCClientFault, ReportsAThreadThatCannotStart) {
+TEST(JSONIPCClientFault, ReportsAThreadThatCannotStart) {
+    const LogCapture log;
+    const LoopbackListener listener;
+    ResultCode result = 1;
     {
-        const NoThreads noThreads;
-        m_client = std::make_unique<RecordingClient>(m_listener.Port(), m_result);
+        std::optional<NoThreads> noThreads(std::in_place);
+        RecordingClient client(listener.Port(), result);
+        noThreads.reset();
+        client.sendMessage(0, "to nobody");
     }
-    EXPECT_EQ(m_result, 0xFED8000A);
-    m_client->sendMessage(0, "to nobody");
-    EndClient();
-    EXPECT_THAT(m_log.Lines(), ElementsAre("E Caught io service thread exception - "
-                                           "boost::thread_resource_error: Resource temporarily "
-                                           "unavailable"));
+    EXPECT_EQ(result, 0xFED8000A);
+    EXPECT_THAT(log.Lines(), ElementsAre("E Caught io service thread exception - "
+                                         "boost::thread_resource_error: Resource temporarily "
+                                         "unavailable"));
 }
 
-TEST_F(JSONIPCClientFault, ReportsASocketThatCannotBeOpened) {
-    {
-        const DescriptorsLeft left(kDescriptorsOfAnIoService);
-        m_client = std::make_unique<RecordingClient>(m_listener.Port(), m_result);
-    }
-    EXPECT_EQ(m_result, 0xFED8000C);
-    ExpectLinesUntilEnd({"E Failed to open TCP socket - open: Too many open files"});
-}
-
-TEST_F(JSONIPCClientFault, FailsASendWithoutASocket) {
-    {
-        const DescriptorsLeft left(kDescriptorsOfAnIoService);
-        m_client = std::make_unique<RecordingClient>(m_listener.Port(), m_result);
-    }
-    m_log.Clear();
-    m_client->sendMessage(0, "to nobody");
-    ExpectLinesUntilEnd(
-        {"E Failed to sent 'BROWSER_RESULT' message to server [9-Bad file "
-         "descriptor]",
-         "T OnIpcSendError 0"});
-}
-
-TEST_F(JSONIPCClientFault, ReportsAnIoServiceThatCannotBeMade) {
-    {
-        const DescriptorsLeft left(0);
-        m_client = std::make_unique<RecordingClient>(m_listener.Port(), m_result);
-    }
-    EXPECT_EQ(m_result, 0xFED8000A);
-    m_client->sendMessage(0, "to nobody");
-    EndClient();
-    EXPECT_THAT(m_log.Lines(), ElementsAre("E Caught io service thread exception - "
-                                           "eventfd_select_interrupter: Too many open files"));
-}
-
-TEST_F(JSONIPCClientFault, LeavesNoDescriptorBehindWhateverFails) {
+/// Makes and ends a client while the system call is refused, in a process of its own, and tells
+/// on standard error what came of it.
+[[noreturn]] void TellOfClientWithout(unsigned systemCall, std::size_t records) {
+    const LogCapture log;
+    const LoopbackListener listener;
     const DescriptorsSince since;
-    for (unsigned count = 0; count <= kDescriptorsOfAnIoService; ++count) {
-        const DescriptorsLeft left(count);
-        const RecordingClient client(m_listener.Port(), m_result);
-        EXPECT_NE(m_result, kSuccess);
+    RefuseSystemCall(systemCall);
+    ResultCode result = 1;
+    {
+        RecordingClient client(listener.Port(), result);
+        client.sendMessage(0, "to nobody");
+        (void)log.WaitForRecords(records);
     }
-    EXPECT_THAT(since.All(), ::testing::IsEmpty());
+    std::cerr << std::hex << result << '\n';
+    for (const std::string& line : log.Lines()) {
+        std::cerr << line << '\n';
+    }
+    std::cerr << since.All().size() << " descriptors left open\n";
+    std::exit(EXIT_SUCCESS);
+}
+
+TEST(JSONIPCClientFaultDeathTest, ReportsASocketThatCannotBeOpened) {
+    EXPECT_EXIT(TellOfClientWithout(SYS_socket, 3), ExitedWithCode(EXIT_SUCCESS),
+                StrEq("fed8000c\n"
+                      "E Failed to open TCP socket - open: Too many open files\n"
+                      "E Failed to sent 'BROWSER_RESULT' message to server "
+                      "[9-Bad file descriptor]\n"
+                      "T OnIpcSendError 0\n"
+                      "I Successfully stopped io service thread\n"
+                      "0 descriptors left open\n"));
+}
+
+TEST(JSONIPCClientFaultDeathTest, ReportsAnIoServiceThatCannotBeMade) {
+    EXPECT_EXIT(TellOfClientWithout(SYS_epoll_create1, 1), ExitedWithCode(EXIT_SUCCESS),
+                StrEq("fed8000a\n"
+                      "E Caught io service thread exception - epoll: Too many open files\n"
+                      "0 descriptors left open\n"));
 }
 
 }  // namespace

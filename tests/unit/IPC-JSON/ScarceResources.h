@@ -1,43 +1,14 @@
 #pragma once
 
 #include <pthread.h>
-#include <sys/resource.h>
 
+#include <cstddef>
 #include <stdexcept>
 
-#include "OpenDescriptors.h"
-
-/// Lets the process open so many descriptors more, for a scope.
-class DescriptorsLeft {
-public:
-    explicit DescriptorsLeft(unsigned count) {
-        getrlimit(RLIMIT_NOFILE, &m_previous);
-        rlimit limit = m_previous;
-        limit.rlim_cur = LimitFor(count);
-        Apply(limit);
-    }
-    ~DescriptorsLeft() { Apply(m_previous); }
-    DescriptorsLeft(const DescriptorsLeft&) = delete;
-    DescriptorsLeft& operator=(const DescriptorsLeft&) = delete;
-
-private:
-    static rlim_t LimitFor(unsigned count) {
-        const auto open = OpenDescriptors();
-        int limit = 0;
-        for (unsigned left = count; left > 0 || open.count(limit) != 0; ++limit) {
-            left -= open.count(limit) == 0 ? 1 : 0;
-        }
-        return static_cast<rlim_t>(limit);
-    }
-
-    static void Apply(const rlimit& limit) {
-        if (setrlimit(RLIMIT_NOFILE, &limit) != 0) {
-            throw std::runtime_error("setrlimit");
-        }
-    }
-
-    rlimit m_previous{};
-};
+/// From now on the kernel answers this system call of the calling process with "Too many open
+/// files", as it does when there are; the sanitizers' own calls still work. There is no way back:
+/// for a process of its own.
+void RefuseSystemCall(unsigned number);
 
 /// No thread can be started, for a scope: each would get more stack than there is memory.
 class NoThreads {
