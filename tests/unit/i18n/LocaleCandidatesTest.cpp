@@ -57,7 +57,7 @@ TEST(LocaleCandidateList, TakesUpTo4095Characters) {
 
 TEST(LocaleCandidateList, CountsEveryCandidate) {
     CLocaleCandidates candidates;
-    // ":l-t:l", 2 * language + 2 * 1 for the territory and separators
+    // The list is ":x-y:x": twice the language, and four characters more.
     EXPECT_TRUE(candidates.Build((std::string(2045, 'x') + "_Y").c_str()));
     EXPECT_EQ(std::string(candidates.Text()).size(), 4094U);
     EXPECT_FALSE(candidates.Build((std::string(2046, 'x') + "_Y").c_str()));

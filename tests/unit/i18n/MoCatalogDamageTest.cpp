@@ -13,8 +13,9 @@ const std::vector<MoEntry>& SomeEntries() {
     return entries;
 }
 
-constexpr std::uint32_t kEntryCount = 4;
+constexpr std::size_t kEntryCount = 4;
 constexpr std::size_t kTranslationsTable = kMoTables + kEntryCount * 8;
+constexpr std::uint32_t kTableSize = kEntryCount * 8;
 constexpr std::size_t kStrings = kTranslationsTable + kEntryCount * 8;
 
 class MoCatalogDamage : public testing::Test {
@@ -81,7 +82,7 @@ class MoCatalogTableDamage : public MoCatalogDamage,
 TEST_P(MoCatalogTableDamage, ByATableOutsideTheFileIsRefused) {
     EXPECT_FALSE(IsAcceptedWith(GetParam(), m_size));
     EXPECT_FALSE(IsAcceptedWith(GetParam(), m_size + 1));
-    EXPECT_FALSE(IsAcceptedWith(GetParam(), m_size - kEntryCount * 8 + 1));
+    EXPECT_FALSE(IsAcceptedWith(GetParam(), m_size - kTableSize + 1));
     EXPECT_FALSE(IsAcceptedWith(GetParam(), 0x80000000));
     EXPECT_FALSE(IsAcceptedWith(GetParam(), 0xffffffff));
     EXPECT_FALSE(IsAcceptedWith(GetParam(), 0xffffffe0));

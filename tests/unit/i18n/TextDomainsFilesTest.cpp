@@ -1,6 +1,8 @@
 // Which files are taken as catalogues, and when the disk is looked at.
 
 #include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -177,6 +179,21 @@ TEST_F(TextDomainFiles, AreLoadedOnlyOnceTheyAreThere) {
     ASSERT_EQ(One(), "one");
     WriteFile(First(), m_bytes);
     EXPECT_EQ(One(), "eins");
+}
+
+// Puts a folder in the place of another, for this process alone. Root needs no user namespace.
+bool PutInPlaceOf(const std::string& target, const std::string& folder) {
+    return unshare(geteuid() == 0 ? CLONE_NEWNS : CLONE_NEWNS | CLONE_NEWUSER) == 0 &&
+           mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+           mount(folder.c_str(), target.c_str(), nullptr, MS_BIND, nullptr) == 0;
+}
+
+TEST_F(TextDomainFiles, OfTheDomainMessagesAreTheMachines) {
+    Install("de", "messages", "one", "of the machine");
+    EXPECT_TRUE(HoldsInChild([&] {
+        ASSERT_TRUE(PutInPlaceOf("/usr/share/locale", m_folder.Path()));
+        EXPECT_STREQ(m_domains.Translate("messages", "one", LC_MESSAGES), "of the machine");
+    }));
 }
 
 TEST_F(TextDomainFiles, AreUnmappedWhenReleased) {

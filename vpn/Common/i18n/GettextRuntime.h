@@ -10,7 +10,8 @@
 // Any thread, before static initialisation too: one private lock guards every call. A text that a
 // lookup gave stays valid until its domain's catalogue is released or the domain bound again. Only
 // the message catalogue does either, with its own domains, whose texts it copies under its own
-// lock; the texts of a library's domain therefore last for the process's life.
+// lock; the texts of a library's domain therefore last for the process's life. The name that
+// textdomain() gives stands in one buffer, which changes with the current domain.
 
 /// The charset that the current domain's loaded catalogue declares, as it stands there; else empty.
 std::string current_textdomain_charset();

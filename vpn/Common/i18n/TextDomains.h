@@ -60,7 +60,8 @@ private:
     bool SelectCatalog(Binding& binding, const char* category);
     bool IsLastSelection(const Binding& binding, const char* category) const;
 
-    char m_current[kNameSize];
+    // Zeros behind the name: a library that reads it meanwhile never runs out of the buffer.
+    char m_current[kNameSize] = "";
     // Newest first, never taken out: a binding keeps its place for the process's life.
     std::forward_list<Binding> m_bindings;
     // Those of the lookup that is going on.
