@@ -89,7 +89,9 @@ std::vector<XWindow> XClient::TopLevels() const {
     const xcb_window_t* const children = xcb_query_tree_children(tree.get());
     std::vector<XWindow> named;
     for (int i = 0; i < xcb_query_tree_children_length(tree.get()); ++i) {
-        if (!Property(children[i], "WM_PROTOCOLS").empty()) {
+        // A toolkit's group leader says so and is never shown.
+        if (!Property(children[i], "WM_PROTOCOLS").empty() &&
+            Number(children[i], "WM_CLIENT_LEADER") != children[i]) {
             named.push_back(children[i]);
         }
     }
@@ -107,12 +109,7 @@ std::optional<XWindow> XClient::FindByTitle(const std::string& title) const {
 
 std::optional<XWindow> XClient::FindByPid(pid_t pid) const {
     for (const XWindow window : TopLevels()) {
-        const std::string owner = Property(window, "_NET_WM_PID");
-        std::uint32_t number = 0;
-        if (owner.size() == sizeof number) {
-            std::memcpy(&number, owner.data(), sizeof number);
-        }
-        if (number == static_cast<std::uint32_t>(pid)) {
+        if (Number(window, "_NET_WM_PID") == static_cast<std::uint32_t>(pid)) {
             return window;
         }
     }
@@ -187,11 +184,11 @@ void XClient::Focus(XWindow window) {
     Synchronise();
 }
 
-void XClient::Press(const std::vector<std::uint32_t>& keys) {
+void XClient::Press(const std::vector<std::uint32_t>& keys, ShiftKey shift) {
     std::vector<std::uint8_t> codes;
     for (const std::uint32_t key : keys) {
         const Keyboard::Key found = m_keyboard->Find(key);
-        if (found.shifted) {
+        if (found.shifted && shift == ShiftKey::AsNeeded) {
             codes.push_back(m_keyboard->Find(kShift).code);
         }
         codes.push_back(found.code);
@@ -263,6 +260,15 @@ std::string XClient::Property(XWindow window, const std::string& name) const {
     }
     return {static_cast<const char*>(xcb_get_property_value(reply.get())),
             static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))};
+}
+
+std::uint32_t XClient::Number(XWindow window, const std::string& name) const {
+    const std::string value = Property(window, name);
+    std::uint32_t number = 0;
+    if (value.size() == sizeof number) {
+        std::memcpy(&number, value.data(), sizeof number);
+    }
+    return number;
 }
 
 void XClient::FakeInput(std::uint8_t type, std::uint8_t detail, int x, int y) {

@@ -25,6 +25,10 @@ struct XGeometry {
 
 bool operator==(const XGeometry& left, const XGeometry& right);
 
+/// Whether the Shift key is pressed with a key that bears its symbol on the second level, where
+/// Num Lock gives those of the keypad as well.
+enum class ShiftKey : std::uint8_t { AsNeeded, Never };
+
 enum class MouseButton : std::uint8_t { Left = 1, Middle = 2, Right = 3 };
 
 /// What a person at the screen can see and do, through a connection of its own to the X server. A
@@ -60,7 +64,7 @@ public:
 
     /// Presses the keys in this order and lets them go in the opposite one. Keys are X keysyms. A
     /// key that the keyboard does not have throws std::runtime_error.
-    void Press(const std::vector<std::uint32_t>& keys);
+    void Press(const std::vector<std::uint32_t>& keys, ShiftKey shift = ShiftKey::AsNeeded);
 
     /// Types a text of ASCII letters, digits and signs.
     void Type(const std::string& text);
@@ -77,6 +81,8 @@ private:
 
     [[nodiscard]] std::uint32_t Atom(const std::string& name) const;
     [[nodiscard]] std::string Property(XWindow window, const std::string& name) const;
+    /// A property of one number, 0 when there is none.
+    [[nodiscard]] std::uint32_t Number(XWindow window, const std::string& name) const;
     void FakeInput(std::uint8_t type, std::uint8_t detail, int x = 0, int y = 0);
     /// Returns when the server has handled everything so far.
     void Synchronise() const;

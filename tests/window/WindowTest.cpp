@@ -19,9 +19,16 @@ void EmptyDataDirectory() {
     std::filesystem::remove_all(std::string(getpwuid(geteuid())->pw_dir) + "/.velto");
 }
 
+// The program's start makes it; catalogues are looked for below its folders.
+CInstanceSmartPtr<StoragePath> MakeStoragePath() {
+    CStoragePath* instance = nullptr;
+    EXPECT_EQ(CStoragePath::CreateSingletonInstance(instance, ""), kSuccess);
+    return CInstanceSmartPtr<StoragePath>(instance);
+}
+
 }  // namespace
 
-WindowTest::WindowTest() : m_screen(getenv("DISPLAY")) {
+WindowTest::WindowTest() : m_screen(getenv("DISPLAY")), m_storagePath(MakeStoragePath()) {
     EmptyDataDirectory();
 }
 

@@ -12,10 +12,12 @@
 
 #include "GtkBrowserWindow.h"
 #include "HttpServer.h"
+#include "InstanceSmartPtr.h"
 #include "LoadEvents.h"
 #include "LogCapture.h"
 #include "MainLoop.h"
 #include "Operation.h"
+#include "StoragePath.h"
 #include "XClient.h"
 
 /// The fixture of every suite here: an application with one browser window on a display of its
@@ -68,6 +70,7 @@ protected:
     XClient m_screen;
 
 private:
+    CInstanceSmartPtr<StoragePath> m_storagePath;
     GObjectPtr<GtkApplication> m_application;
     std::unique_ptr<GtkBrowserWindow> m_browser;
     std::vector<std::string> m_results;

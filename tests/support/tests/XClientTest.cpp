@@ -42,6 +42,11 @@ public:
         xcb_flush(Connection());
     }
 
+    void BecomeGroupLeader() const {
+        SetProperty("WM_CLIENT_LEADER", XCB_ATOM_WINDOW, 32, &m_window, 1);
+        xcb_flush(Connection());
+    }
+
     void Map() const {
         xcb_map_window(Connection(), m_window);
         xcb_flush(Connection());
@@ -149,6 +154,14 @@ TEST_F(XClientTest, FindsAWindowByTitleAndByPid) {
     EXPECT_EQ(m_client.FindByPid(1), std::nullopt);
 }
 
+TEST_F(XClientTest, TakesAGroupLeaderForNoWindow) {
+    ASSERT_TRUE(m_client.WaitUntil([&] { return m_client.FindByPid(getpid()).has_value(); }));
+    m_application.BecomeGroupLeader();
+    m_application.Map();
+    ASSERT_TRUE(m_client.WaitUntil([&] { return m_client.IsMapped(m_application.Window()); }));
+    EXPECT_EQ(m_client.FindByPid(getpid()), std::nullopt);
+}
+
 TEST_F(XClientTest, SeesWhetherAndWhereAWindowIsShown) {
     EXPECT_FALSE(m_client.IsMapped(m_application.Window()));
     ShowApplication();
@@ -179,6 +192,12 @@ TEST_F(XClientTest, TypesUpperCaseWithShift) {
     m_client.Type("aB");
     EXPECT_THAT(m_application.Events(6), ElementsAre("press 0", "release 0", "press 0", "press 1",
                                                      "release 1", "release 1"));
+}
+
+TEST_F(XClientTest, LeavesShiftAloneWhenTold) {
+    FocusApplication();
+    m_client.Press({'B'}, ShiftKey::Never);
+    EXPECT_THAT(m_application.Events(2), ElementsAre("press 0", "release 0"));
 }
 
 TEST_F(XClientTest, RefusesAKeyThatIsNotThere) {

@@ -1,0 +1,175 @@
+#include <gdk/gdkkeysyms.h>
+
+#include <cmath>
+
+#include "WindowTest.h"
+
+namespace {
+
+using testing::DoubleNear;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Pointwise;
+
+/// Keys go through the X server to the window that has the keyboard, as a person's do.
+class WindowKeyboardTest : public OpenWindowTest {
+protected:
+    WindowKeyboardTest() {
+        m_server.ServePage("/page", "hello");
+        m_server.ServePage("/next", "hello");
+    }
+
+    void ShowAndFocus(const std::string& path) {
+        ShowPage(path);
+        FocusWindow();
+        g_signal_connect_swapped(
+            View(), "notify::zoom-level",
+            G_CALLBACK(+[](WindowKeyboardTest* self, GParamSpec*, WebKitWebView* view) {
+                self->m_zoomLevels.push_back(webkit_web_view_get_zoom_level(view));
+            }),
+            this);
+    }
+
+    void PressWithControl(guint key, int times = 1) {
+        for (int i = 0; i < times; ++i) {
+            m_screen.Press({GDK_KEY_Control_L, key});
+        }
+    }
+
+    bool WaitForZoomLevels(std::size_t count) const {
+        return RunMainLoopUntil([&] { return m_zoomLevels.size() >= count; });
+    }
+
+    double ZoomLevel() const { return webkit_web_view_get_zoom_level(View()); }
+
+    // Every level that the view has had, in order.
+    std::vector<double> m_zoomLevels;
+};
+
+// 1.1 to the power of each of these.
+std::vector<double> Powers(const std::vector<int>& exponents) {
+    std::vector<double> powers;
+    for (const int exponent : exponents) {
+        powers.push_back(std::pow(1.1, exponent));
+    }
+    return powers;
+}
+
+MATCHER(IsCloseTo, "") {
+    return std::abs(std::get<0>(arg) - std::get<1>(arg)) < 1e-9;
+}
+
+}  // namespace
+
+TEST_F(WindowKeyboardTest, ControlRReloads) {
+    ShowAndFocus("/page");
+    PressWithControl(GDK_KEY_r);
+    ASSERT_TRUE(m_loads.WaitFor("FINISHED " + m_server.Url("/page"), 2));
+    EXPECT_THAT(m_server.RequestLines(), ElementsAre("GET /page", "GET /page"));
+    EXPECT_THAT(Results(), IsEmpty());
+}
+
+TEST_F(WindowKeyboardTest, AltLeftGoesBack) {
+    ShowPage("/page");
+    ShowAndFocus("/next");
+    m_screen.Press({GDK_KEY_Alt_L, GDK_KEY_Left});
+    ASSERT_TRUE(m_loads.WaitFor("FINISHED " + m_server.Url("/page"), 2));
+    EXPECT_STREQ(webkit_web_view_get_uri(View()), m_server.Url("/page").c_str());
+    EXPECT_THAT(Results(), IsEmpty());
+}
+
+TEST_F(WindowKeyboardTest, AltLeftStaysWhereThereIsNothingBehind) {
+    ShowAndFocus("/page");
+    m_screen.Press({GDK_KEY_Alt_L, GDK_KEY_Left});
+    // Keys are handled in their order, so the reload is behind whatever the first one did.
+    PressWithControl(GDK_KEY_r);
+    ASSERT_TRUE(m_loads.WaitFor("FINISHED " + m_server.Url("/page"), 2));
+    EXPECT_THAT(m_server.RequestLines(), ElementsAre("GET /page", "GET /page"));
+}
+
+TEST_F(WindowKeyboardTest, ControlEqualsZoomsInUpToSixteenSteps) {
+    ShowAndFocus("/page");
+    PressWithControl(GDK_KEY_equal, 18);
+    // The steps behind the sixteenth are dropped whole: the way back starts at the sixteenth.
+    PressWithControl(GDK_KEY_minus);
+    ASSERT_TRUE(WaitForZoomLevels(17));
+    EXPECT_THAT(m_zoomLevels, Pointwise(IsCloseTo(), Powers({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12,
+                                                             13, 14, 15, 16, 15})));
+    EXPECT_THAT(m_zoomLevels[15], DoubleNear(4.59, 0.01));
+}
+
+TEST_F(WindowKeyboardTest, ControlMinusZoomsOutDownToFourteenSteps) {
+    ShowAndFocus("/page");
+    PressWithControl(GDK_KEY_minus, 16);
+    PressWithControl(GDK_KEY_equal);
+    ASSERT_TRUE(WaitForZoomLevels(15));
+    EXPECT_THAT(m_zoomLevels, Pointwise(IsCloseTo(), Powers({-1, -2, -3, -4, -5, -6, -7, -8, -9,
+                                                             -10, -11, -12, -13, -14, -13})));
+    EXPECT_THAT(m_zoomLevels[13], DoubleNear(0.263, 0.001));
+}
+
+TEST_F(WindowKeyboardTest, ControlZeroTakesTheZoomAway) {
+    ShowAndFocus("/page");
+    PressWithControl(GDK_KEY_equal, 3);
+    PressWithControl(GDK_KEY_0);
+    ASSERT_TRUE(WaitForZoomLevels(4));
+    EXPECT_THAT(m_zoomLevels, Pointwise(IsCloseTo(), Powers({1, 2, 3, 0})));
+}
+
+TEST_F(WindowKeyboardTest, TheKeypadZoomsTheSameWay) {
+    ShowAndFocus("/page");
+    PressWithControl(GDK_KEY_KP_Add, 2);
+    PressWithControl(GDK_KEY_KP_Subtract);
+    // The keypad gives digits while Num Lock is on.
+    m_screen.Press({GDK_KEY_Num_Lock});
+    m_screen.Press({GDK_KEY_Control_L, GDK_KEY_KP_0}, ShiftKey::Never);
+    m_screen.Press({GDK_KEY_Num_Lock});
+    ASSERT_TRUE(WaitForZoomLevels(4));
+    EXPECT_THAT(m_zoomLevels, Pointwise(IsCloseTo(), Powers({1, 2, 1, 0})));
+}
+
+TEST_F(WindowKeyboardTest, KeysWithoutTheirModifierAreThePages) {
+    m_server.ServePage("/form", "<input autofocus oninput='fetch(\"/typed?\" + this.value)'>");
+    ShowAndFocus("/form");
+    m_screen.Type("r=-0");
+    ASSERT_TRUE(WaitForRequest("/typed", 4));
+    EXPECT_EQ(m_server.RequestLines().back(), "GET /typed?r=-0");
+    EXPECT_THAT(m_zoomLevels, IsEmpty());
+}
+
+TEST_F(WindowKeyboardTest, EveryLoadStartsUnzoomed) {
+    ShowAndFocus("/page");
+    PressWithControl(GDK_KEY_equal, 2);
+    ASSERT_TRUE(WaitForZoomLevels(2));
+    PressWithControl(GDK_KEY_r);
+    ASSERT_TRUE(m_loads.WaitFor("STARTED " + m_server.Url("/page"), 2));
+    EXPECT_EQ(ZoomLevel(), 1.0);
+    PressWithControl(GDK_KEY_minus);
+    ASSERT_TRUE(WaitForZoomLevels(4));
+    Send(Operation::Browse(m_server.Url("/next"), m_server.Url("/next")));
+    ASSERT_TRUE(WaitForResults(1));
+    EXPECT_THAT(m_zoomLevels, Pointwise(IsCloseTo(), Powers({1, 2, 0, -1, 0})));
+}
+
+TEST_F(WindowKeyboardTest, ZoomStaysBetweenOperations) {
+    ShowAndFocus("/page");
+    PressWithControl(GDK_KEY_equal);
+    ASSERT_TRUE(WaitForZoomLevels(1));
+    CloseWindow();
+    EXPECT_THAT(Results(), ElementsAre("cancel"));
+    EXPECT_NEAR(ZoomLevel(), 1.1, 1e-9);
+}
+
+TEST_F(WindowKeyboardTest, AResetGivesTheKeysToTheNewView) {
+    ShowPage("/page");
+    Send(Operation::OfType(BrowserOperationType::reset));
+    ASSERT_TRUE(WaitForResults(1));
+    ASSERT_TRUE(RunMainLoopUntil([&] { return !IsShown(); }));
+    ShowAndFocus("/next");
+    PressWithControl(GDK_KEY_equal);
+    ASSERT_TRUE(WaitForZoomLevels(1));
+    EXPECT_NEAR(ZoomLevel(), 1.1, 1e-9);
+    PressWithControl(GDK_KEY_r);
+    ASSERT_TRUE(m_loads.WaitFor("FINISHED " + m_server.Url("/next"), 2));
+    EXPECT_THAT(m_server.RequestLines(), ElementsAre("GET /page", "GET /next", "GET /next"));
+}
