@@ -40,6 +40,7 @@ protected:
 
     /// Registers and connects a client, and clears the log.
     void Connect() {
+        m_log.Clear();
         ASSERT_TRUE(RegisterBrowserIpcClient(m_listener.Port(), &m_callback, &m_client));
         m_peer = m_listener.Accept();
         ASSERT_TRUE(m_log.WaitForRecords(2));
