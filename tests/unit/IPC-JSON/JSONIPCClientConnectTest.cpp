@@ -105,10 +105,10 @@ TEST_F(JSONIPCClientConnect, IgnoresATimerThatFiresTogetherWithTheConnection) {
     m_timer = since.Find("anon_inode:[timerfd]");
     ASSERT_TRUE(WaitForTimer());
     m_client->OpenGate();
-    m_listener.Accept().Send(std::string(9, '\0'));
-    EXPECT_TRUE(m_log.WaitForRecords(3));
-    EXPECT_THAT(std::vector<std::string>(m_log.Lines()).at(1), "I IPC connection established");
-    EndClient();
+    const LoopbackConnection peer = m_listener.Accept();
+    peer.Send(std::string(9, '\0'));
+    ExpectLinesUntilEnd({InitiatingLine(m_listener.Port()), "I IPC connection established",
+                         "T OnMsgReceived 0 null 0"});
 }
 
 TEST_F(JSONIPCClientConnect, SaysWhenTheThreadIsAlreadyRunning) {

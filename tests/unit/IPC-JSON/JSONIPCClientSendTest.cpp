@@ -229,8 +229,9 @@ TEST_F(JSONIPCClientLateSend, IgnoresATimerThatFiresTogetherWithTheEndOfTheWrite
 }
 
 TEST_F(JSONIPCClientLateSend, FailsAWriteThatWasBetweenTwoPartsWhenTheTimerFired) {
-    SendAndLetTheTimerExpire(std::string(kMuch, 'x'));
-    SetSendBuffer(100000);
+    SendAndLetTheTimerExpire(std::string(4 * kMuch, 'x'));
+    // Room for two parts and more, not for all.
+    SetSendBuffer(1 << 20);
     m_released.Set();
     ExpectLinesUntilEnd(
         {"T OnMsgReceived 0 null 0", "E Timed out sending message 'BROWSER_RESULT'",
