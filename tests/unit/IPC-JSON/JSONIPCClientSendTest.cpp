@@ -195,10 +195,10 @@ TEST_F(JSONIPCClientSend, WritesNothingBehindACutFrame) {
     EXPECT_THAT(m_peer->Receive(kMuch), ::testing::Not(::testing::HasSubstr("behind")));
 }
 
-/// The I/O thread is held in a callback while the send timer expires and the peer makes room.
-class JSONIPCClientLateSend : public JSONIPCClientFixture {
+/// The I/O thread is held in a callback while something happens that it will find all at once.
+class JSONIPCClientHeld : public JSONIPCClientFixture {
 protected:
-    void SendAndLetTheTimerExpire(const std::string& payload) {
+    void ConnectHeld() {
         Connect(
             [this](const std::string& callback) {
                 if (callback == "OnMsgReceived 0 null 0") {
@@ -206,19 +206,23 @@ protected:
                 }
             },
             Buffers::small);
-        m_client->sendMessage(0, payload);
-        ASSERT_TRUE(m_peer->WaitForData());
+    }
+
+    void Hold() {
         m_peer->Send(kEmptyFrame);
         ASSERT_TRUE(m_log.WaitForRecords(1));
-        ASSERT_TRUE(WaitForTimer());
     }
 
     Event m_released;
 };
 
-TEST_F(JSONIPCClientLateSend, IgnoresATimerThatFiresTogetherWithTheEndOfTheWrite) {
+TEST_F(JSONIPCClientHeld, IgnoresATimerThatFiresTogetherWithTheEndOfTheWrite) {
+    ConnectHeld();
     const std::string payload(60000, 'x');
-    SendAndLetTheTimerExpire(payload);
+    m_client->sendMessage(0, payload);
+    ASSERT_TRUE(m_peer->WaitForData());
+    Hold();
+    ASSERT_TRUE(WaitForTimer());
     SetSendBuffer(1 << 20);
     m_released.Set();
     EXPECT_EQ(m_peer->Receive(9 + payload.size()), HeaderOf(payload.size()) + payload);
@@ -228,15 +232,14 @@ TEST_F(JSONIPCClientLateSend, IgnoresATimerThatFiresTogetherWithTheEndOfTheWrite
         {"T OnMsgReceived 0 null 0", "T OnIpcSendComplete 0", "T OnMsgReceived 0 null 0"});
 }
 
-TEST_F(JSONIPCClientLateSend, FailsAWriteThatWasBetweenTwoPartsWhenTheTimerFired) {
-    SendAndLetTheTimerExpire(std::string(4 * kMuch, 'x'));
-    // Room for two parts and more, not for all.
-    SetSendBuffer(1 << 20);
+TEST_F(JSONIPCClientHeld, FailsAtOnceAWriteBetweenTwoPartsWhenTheConnectionEnds) {
+    ConnectHeld();
+    Hold();
+    m_client->sendMessage(0, std::string(kMuch, 'x'));
+    m_peer->EndSending();
     m_released.Set();
     ExpectLinesUntilEnd(
-        {"T OnMsgReceived 0 null 0", "E Timed out sending message 'BROWSER_RESULT'",
-         "T OnIpcSendError 0", "E IPC receive error [125-Operation canceled]",
-         "T OnIpcReceiveError",
+        {"T OnMsgReceived 0 null 0", "E IPC receive error [2-End of file]", "T OnIpcReceiveError",
          "E Failed to sent 'BROWSER_RESULT' message to server [125-Operation canceled]",
          "T OnIpcSendError 0"});
 }
