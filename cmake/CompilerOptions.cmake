@@ -6,9 +6,9 @@ target_compile_options(tk_options INTERFACE
     -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror
     -fstack-protector-strong -fcf-protection=full
     # A record or an assertion names the path within the repository, whatever folder it was
-    # built in; the build folder comes last because the last matching map wins.
-    "-ffile-prefix-map=${CMAKE_SOURCE_DIR}/="
+    # built in. The last matching map wins: the repository alone, a path in it, the build folder.
     "-ffile-prefix-map=${CMAKE_SOURCE_DIR}=."
+    "-ffile-prefix-map=${CMAKE_SOURCE_DIR}/="
     "-ffile-prefix-map=${CMAKE_BINARY_DIR}=build")
 target_compile_definitions(tk_options INTERFACE
     $<$<AND:$<CONFIG:Release>,$<STREQUAL:${TK_SANITIZER},none>>:_FORTIFY_SOURCE=2>)
