@@ -171,6 +171,11 @@ void Enter(const PrivateWorld& world) {
     if (!world.trustedCertificates.empty()) {
         Bind(world.trustedCertificates, kCertificateBundle);
     }
+    if (!world.smallDisk.empty()) {
+        Check(mount("tmpfs", world.smallDisk.c_str(), "tmpfs", MS_NOSUID | MS_NODEV,
+                    "size=64k,mode=0777") == 0,
+              "mount " + world.smallDisk);
+    }
     if (geteuid() != 0) {
         DropCapabilities();
     }
