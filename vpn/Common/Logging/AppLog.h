@@ -20,6 +20,11 @@
     LogReturnCode(__func__, __FILE__, __LINE__, 'E', invokedFunction, \
                   static_cast<std::uint32_t>(code), nullptr, nullptr)
 
+/// The same, followed by a text that tells more: a format and its arguments.
+#define TK_LOG_FAILED_CALL_TEXT(invokedFunction, code, ...)           \
+    LogReturnCode(__func__, __FILE__, __LINE__, 'E', invokedFunction, \
+                  static_cast<std::uint32_t>(code), nullptr, __VA_ARGS__)
+
 /// Writes a free-text record; at most 1023 characters of the text are kept.
 void LogMessage(const char* function, const char* file, std::uint32_t line, std::uint32_t level,
                 const char* format, ...) __attribute__((format(printf, 5, 6)));
