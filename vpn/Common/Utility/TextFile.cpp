@@ -1,0 +1,184 @@
+#include "TextFile.h"
+
+#include <fstream>
+
+#include "AppLog.h"
+#include "StringUtils.h"
+
+namespace {
+
+enum class ReadOutcome { kNotOpened, kFailed, kStopped, kComplete };
+
+// Hands each line, without its line breaks, to the visitor until that gives false.
+template <class Visitor>
+ReadOutcome ReadLines(const std::string& path, Visitor visit) {
+    std::ifstream file(path, std::ios::binary);
+    if (!file) {
+        return ReadOutcome::kNotOpened;
+    }
+    for (std::string line; std::getline(file, line);) {
+        if (!visit(CStringUtils::TrimRight(line, true))) {
+            return ReadOutcome::kStopped;
+        }
+    }
+    return file.eof() ? ReadOutcome::kComplete : ReadOutcome::kFailed;
+}
+
+bool IsWhiteSpace(const std::string& line) {
+    return line.find_first_not_of(" \n\r\t\f\v") == std::string::npos;
+}
+
+}  // namespace
+
+bool ReadTextFile(const std::string& path, std::vector<std::string>& lines) {
+    lines.clear();
+    if (path.empty()) {
+        TK_LOG_ERROR("Invalid file name");
+        return false;
+    }
+    const ReadOutcome outcome = ReadLines(path, [&](std::string line) {
+        lines.push_back(std::move(line));
+        return true;
+    });
+    if (outcome == ReadOutcome::kNotOpened) {
+        TK_LOG_ERROR("Failed to open file %s", path.c_str());
+    } else if (outcome == ReadOutcome::kFailed) {
+        TK_LOG_ERROR("Failed to inspect all lines in file %s", path.c_str());
+    }
+    return outcome == ReadOutcome::kComplete;
+}
+
+bool FileHasOnlyWhiteSpace(const std::string& path) {
+    if (path.empty()) {
+        TK_LOG_ERROR("File name argument is invalid");
+        return false;
+    }
+    const ReadOutcome outcome = ReadLines(path, IsWhiteSpace);
+    if (outcome == ReadOutcome::kNotOpened) {
+        TK_LOG_ERROR("Failed to open file %s", path.c_str());
+    } else if (outcome == ReadOutcome::kFailed) {
+        TK_LOG_ERROR("Failed to inspect all lines in file %s", path.c_str());
+    }
+    return outcome == ReadOutcome::kComplete;
+}
+
+bool SetTextFileContents(const std::string& path, const std::string& contents) {
+    if (path.empty()) {
+        TK_LOG_ERROR("File name argument is invalid");
+        return false;
+    }
+    std::ofstream file(path, std::ios::binary | std::ios::trunc);
+    if (!file) {
+        TK_LOG_ERROR("Failed to open file %s", path.c_str());
+        return false;
+    }
+    file << contents.c_str();  // up to the first zero byte: contents are text
+    file.close();
+    if (!file) {
+        TK_LOG_ERROR("Failed to update file %s", path.c_str());
+        return false;
+    }
+    return true;
+}
+
+bool AppendLineToFile(const std::string& path, const std::string& line) {
+    if (path.empty() || line.empty()) {
+        TK_LOG_ERROR("At least one argument is invalid");
+        return false;
+    }
+    std::ofstream file(path, std::ios::binary | std::ios::app);
+    if (!file) {
+        TK_LOG_ERROR("Failed to open file %s", path.c_str());
+        return false;
+    }
+    file << line << '\n' << std::flush;
+    if (!file) {
+        TK_LOG_ERROR("Failed to append to file %s", path.c_str());
+        return false;
+    }
+    return true;
+}
+
+bool SeachFileForMatchingLine(const std::string& path, const std::string& line) {
+    if (path.empty() || line.empty()) {
+        TK_LOG_ERROR("At least one argument is invalid");
+        return false;
+    }
+    const ReadOutcome outcome =
+        ReadLines(path, [&](const std::string& candidate) { return candidate != line; });
+    if (outcome == ReadOutcome::kNotOpened) {
+        TK_LOG_ERROR("Failed to open file %s", path.c_str());
+    } else if (outcome == ReadOutcome::kFailed) {
+        TK_LOG_ERROR("Failed to inspect all lines in file %s", path.c_str());
+    }
+    return outcome == ReadOutcome::kStopped;
+}
+
+bool RemoveFromFileMatchingLine(const std::string& path, const std::string& line) {
+    if (path.empty() || line.empty()) {
+        TK_LOG_ERROR("At least one argument is invalid");
+        return false;
+    }
+    if (!SeachFileForMatchingLine(path, line)) {
+        return true;
+    }
+    std::string kept;
+    const ReadOutcome outcome = ReadLines(path, [&](const std::string& candidate) {
+        kept += candidate != line ? candidate + "\n" : "";
+        return true;
+    });
+    if (outcome == ReadOutcome::kNotOpened) {
+        TK_LOG_ERROR("Failed to open file %s", path.c_str());
+        return false;
+    }
+    if (outcome == ReadOutcome::kFailed) {
+        TK_LOG_ERROR("Failed to fully inspect file %s", path.c_str());
+        return false;
+    }
+    if (!SetTextFileContents(path, kept)) {
+        TK_LOG_ERROR("Failed to update file %s", path.c_str());
+        return false;
+    }
+    return true;
+}
+
+bool insertIntoFilePrePostMatchingLine(const std::string& path, const std::string& newLine,
+                                       const std::string& matchPrefix, int before) {
+    if (path.empty() || newLine.empty() || matchPrefix.empty()) {
+        TK_LOG_ERROR("At least one argument is invalid");
+        return false;
+    }
+    std::string text;
+    bool inserted = false;
+    const ReadOutcome outcome = ReadLines(path, [&](const std::string& line) {
+        const bool isAnchor = !inserted && CStringUtils::StartsWith(line, matchPrefix);
+        inserted = inserted || isAnchor;
+        text += isAnchor && before == 1 ? newLine + "\n" : "";
+        text += line + "\n";
+        text += isAnchor && before != 1 ? newLine + "\n" : "";
+        return true;
+    });
+    if (outcome == ReadOutcome::kNotOpened) {
+        TK_LOG_ERROR("Failed to open file %s", path.c_str());
+        return false;
+    }
+    if (outcome == ReadOutcome::kFailed) {
+        TK_LOG_ERROR("Failed to fully inspect file %s", path.c_str());
+        return false;
+    }
+    if (!SetTextFileContents(path, text)) {
+        TK_LOG_ERROR("Failed to update file %s", path.c_str());
+        return false;
+    }
+    return true;
+}
+
+bool insertIntoFilePreMatchingLine(const std::string& path, const std::string& newLine,
+                                   const std::string& matchPrefix) {
+    return insertIntoFilePrePostMatchingLine(path, newLine, matchPrefix, 1);
+}
+
+bool insertIntoFilePostMatchingLine(const std::string& path, const std::string& newLine,
+                                    const std::string& matchPrefix) {
+    return insertIntoFilePrePostMatchingLine(path, newLine, matchPrefix, 0);
+}
