@@ -1,0 +1,190 @@
+// The window looks the engine's cookie functions up in the program, and this program has its own
+// ones: the engine cannot be made to fail a query, to give a list an order, or to take its time.
+
+#include <gio/gio.h>
+
+#include <optional>
+#include <utility>
+
+#include "AddedHeader.h"
+#include "WindowTest.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+using Cookies = std::vector<std::pair<std::string, std::string>>;
+
+/// A query that waits for its answer.
+struct Query {
+    std::string uri;
+    WebKitCookieManager* manager;
+    GAsyncReadyCallback callback;
+    gpointer data;
+};
+
+std::vector<Query> queries;
+// What the next answer says.
+Cookies answerCookies;
+std::optional<std::string> answerError;
+
+class WindowCookieAnswersTest : public OpenWindowTest {
+protected:
+    WindowCookieAnswersTest() { queries.clear(); }
+
+    std::string Url(const std::string& path) { return m_server.Url(path); }
+
+    // Carries a cookie operation out up to its query.
+    void BrowseUpToQuery(const std::string& path) {
+        m_server.ServePage(path, "hello");
+        const std::size_t before = queries.size();
+        Send(Operation::BrowseForCookie(Url(path), Url(path), "sid", "err"));
+        ASSERT_TRUE(RunMainLoopUntil([&] { return queries.size() > before; }));
+    }
+
+    static void Answer(const Cookies& cookies, std::size_t query = 0) {
+        answerCookies = cookies;
+        answerError.reset();
+        CallBack(query);
+    }
+
+    static void AnswerWithError(const std::string& message) {
+        answerCookies.clear();
+        answerError = message;
+        CallBack(0);
+    }
+
+private:
+    static void CallBack(std::size_t index) {
+        const Query query = queries.at(index);
+        query.callback(G_OBJECT(query.manager), nullptr, query.data);
+    }
+};
+
+}  // namespace
+
+extern "C" {
+
+void webkit_cookie_manager_get_cookies(WebKitCookieManager* manager, const gchar* uri,
+                                       GCancellable* /*cancellable*/, GAsyncReadyCallback callback,
+                                       gpointer data) {
+    queries.push_back({uri, manager, callback, data});
+}
+
+GList* webkit_cookie_manager_get_cookies_finish(WebKitCookieManager* /*manager*/,
+                                                GAsyncResult* /*result*/, GError** error) {
+    if (answerError) {
+        g_set_error_literal(error, G_IO_ERROR, G_IO_ERROR_FAILED, answerError->c_str());
+        return nullptr;
+    }
+    GList* list = nullptr;
+    for (const auto& [name, value] : answerCookies) {
+        list =
+            g_list_append(list, soup_cookie_new(name.c_str(), value.c_str(), "127.0.0.1", "/", -1));
+    }
+    return list;
+}
+
+}  // extern "C"
+
+TEST_F(WindowCookieAnswersTest, AsksOnceForThePageThatItIsOn) {
+    BrowseUpToQuery("/page");
+    EXPECT_EQ(queries.size(), 1U);
+    EXPECT_EQ(queries[0].uri, Url("/page"));
+    EXPECT_THAT(Results(), IsEmpty());
+    Answer({{"sid", "abc"}});
+    EXPECT_THAT(Results(), ElementsAre("success_with_cookie abc"));
+    EXPECT_THAT(LogLines(), IsEmpty());
+}
+
+TEST_F(WindowCookieAnswersTest, LogsAFailedQueryAndStaysOpen) {
+    BrowseUpToQuery("/page");
+    AnswerWithError("the jar is closed");
+    EXPECT_THAT(Results(), IsEmpty());
+    EXPECT_THAT(LogLines(),
+                ElementsAre("E Unable to get cookies from cookie manager. the jar is closed"));
+    webkit_web_view_reload(View());
+    ASSERT_TRUE(RunMainLoopUntil([&] { return queries.size() == 2; }));
+    Answer({{"sid", "abc"}}, 1);
+    EXPECT_THAT(Results(), ElementsAre("success_with_cookie abc"));
+}
+
+TEST_F(WindowCookieAnswersTest, StaysOpenWithAnEmptyList) {
+    BrowseUpToQuery("/page");
+    Answer({});
+    EXPECT_THAT(Results(), IsEmpty());
+    EXPECT_THAT(LogLines(), IsEmpty());
+}
+
+TEST_F(WindowCookieAnswersTest, TheFirstMatchInTheListWins) {
+    BrowseUpToQuery("/page");
+    Answer({{"other", "1"}, {"err", "E7"}, {"sid", "abc"}});
+    BrowseUpToQuery("/next");
+    Answer({{"sid", ""}, {"sid", "abc"}, {"err", "E7"}, {"sid", "def"}}, 1);
+    EXPECT_THAT(Results(), ElementsAre("error_cookie E7", "success_with_cookie abc"));
+    EXPECT_THAT(LogLines(), IsEmpty());
+}
+
+TEST_F(WindowCookieAnswersTest, SaysThatNothingMatchesOnce) {
+    BrowseUpToQuery("/page");
+    Answer({{"other", "1"}, {"another", "2"}});
+    EXPECT_THAT(Results(), ElementsAre("error_cookie"));
+    EXPECT_THAT(LogLines(), ElementsAre("E Unable to get cookie from cookie manager."));
+}
+
+TEST_F(WindowCookieAnswersTest, AnAnswerBehindTheResultSaysNothing) {
+    m_server.ServePage("/page", "hello");
+    ShowPage("/page");
+    Send(Operation::BrowseForCookie(Url("/page"), Url("/page"), "sid").Shown());
+    ASSERT_TRUE(RunMainLoopUntil([] { return !queries.empty(); }));
+    CloseWindow();
+    Answer({{"other", "1"}});
+    EXPECT_THAT(Results(), ElementsAre("cancel"));
+    EXPECT_THAT(LogLines(), IsEmpty());
+}
+
+TEST_F(WindowCookieAnswersTest, AnAnswerOfAnEarlierOperationIsNotTheNextOnes) {
+    BrowseUpToQuery("/page");
+    BrowseUpToQuery("/next");
+    Answer({{"other", "1"}}, 0);
+    EXPECT_THAT(Results(), IsEmpty());
+    Answer({{"sid", "abc"}}, 1);
+    EXPECT_THAT(Results(), ElementsAre("success_with_cookie abc"));
+    EXPECT_THAT(LogLines(), IsEmpty());
+}
+
+TEST_F(WindowCookieAnswersTest, AnAnswerOfAnEarlierOperationIsDroppedAfterAReset) {
+    BrowseUpToQuery("/page");
+    Send(Operation::OfType(BrowserOperationType::reset));
+    ASSERT_TRUE(WaitForResults(1));
+    Answer({{"sid", "abc"}});
+    EXPECT_THAT(Results(), ElementsAre("ready"));
+}
+
+TEST_F(WindowCookieAnswersTest, AQuickAgentGetsOneResultOfOneWalk) {
+    // The agent's next operation is queued while the walk through the list is still going on.
+    m_server.ServeOnRelease("/next", {200, "hello"});
+    bool asked = false;
+    OnResult([&] {
+        if (!std::exchange(asked, true)) {
+            Send(Operation::Browse(Url("/next"), Url("/next")));
+        }
+    });
+    BrowseUpToQuery("/page");
+    Answer({{"sid", "abc"}, {"err", "E7"}, {"sid", "def"}});
+    EXPECT_THAT(Results(), ElementsAre("success_with_cookie abc"));
+    m_server.Release("/next");
+    ASSERT_TRUE(m_loads.WaitFor("FINISHED " + Url("/next")));
+    EXPECT_THAT(Results(), ElementsAre("success_with_cookie abc", "success"));
+    EXPECT_THAT(LogLines(), IsEmpty());
+}
+
+TEST_F(WindowCookieAnswersTest, AsksNothingWhenAHeaderHasBroughtTheCookie) {
+    m_server.ServePage("/page", "hello");
+    const AddedHeader header(View(), Url("/page"), "sid=abc; Path=/");
+    Send(Operation::BrowseForCookie(Url("/page"), Url("/page"), "sid"));
+    ASSERT_TRUE(m_loads.WaitFor("FINISHED " + Url("/page")));
+    EXPECT_THAT(queries, IsEmpty());
+    EXPECT_THAT(Results(), ElementsAre("success_with_cookie abc"));
+}
