@@ -27,6 +27,7 @@ constexpr char kHomeParent[] = "/home";
 constexpr char kHome[] = "/home/tkwebhelper-test";
 constexpr char kRuntime[] = "/home/tkwebhelper-test-runtime";
 constexpr char kPasswordFile[] = "/etc/passwd";
+constexpr char kLibraryCatalogs[] = "/usr/share/locale";
 constexpr char kCertificateBundle[] = "/etc/ssl/certs/ca-certificates.crt";
 
 void Check(bool done, const std::string& what) {
@@ -170,6 +171,9 @@ void Enter(const PrivateWorld& world) {
     }
     if (!world.trustedCertificates.empty()) {
         Bind(world.trustedCertificates, kCertificateBundle);
+    }
+    if (!world.libraryCatalogs.empty()) {
+        Bind(world.libraryCatalogs, kLibraryCatalogs);
     }
     if (!world.smallDisk.empty()) {
         Check(mount("tmpfs", world.smallDisk.c_str(), "tmpfs", MS_NOSUID | MS_NODEV,

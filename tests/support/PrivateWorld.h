@@ -12,6 +12,8 @@ struct PrivateWorld {
     bool dev = true;
     /// A PEM file of the only certificate authorities to trust; empty leaves the machine's.
     std::string trustedCertificates;
+    /// A folder that takes the place of the libraries' catalogues; empty leaves the machine's.
+    std::string libraryCatalogs;
     /// A folder that becomes an empty disk of 64 KiB, which is soon full; empty makes none.
     std::string smallDisk;
 };
