@@ -51,15 +51,17 @@ TEST_F(Refused, EndsAtOnceWhenNobodyListens) {
                                    "I Successfully stopped io service thread"));
 }
 
-TEST_F(AgentsEnd, EndsAHiddenProgram) {
+TEST_F(AgentsEnd, EndsAnIdleHiddenProgram) {
     ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
+    EXPECT_TRUE(AwaitIdle());
     Connection().Close();
     ExpectEndAfterClose();
 }
 
-TEST_F(AgentsEnd, EndsAShownProgram) {
+TEST_F(AgentsEnd, EndsAnIdleShownProgram) {
     ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
     ShowWaitingPage();
+    EXPECT_TRUE(AwaitIdle());
     Connection().Close();
     ExpectEndAfterClose();
 }
@@ -108,8 +110,16 @@ protected:
 
 }  // namespace
 
-TEST_F(TerminateOperation, EndsAHiddenProgram) {
+TEST_F(TerminateOperation, EndsAnIdleHiddenProgram) {
     ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
+    EXPECT_TRUE(AwaitIdle());
+    ExpectEndWithoutResult();
+}
+
+TEST_F(TerminateOperation, EndsAnIdleShownProgram) {
+    ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
+    ShowWaitingPage();
+    EXPECT_TRUE(AwaitIdle());
     ExpectEndWithoutResult();
 }
 

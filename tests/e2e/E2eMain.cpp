@@ -5,6 +5,7 @@
 
 #include "Certificates.h"
 #include "PrivateWorld.h"
+#include "TemporaryFolder.h"
 #include "VirtualDisplay.h"
 
 int main(int argc, char** argv) {
@@ -12,8 +13,10 @@ int main(int argc, char** argv) {
     if (testing::GTEST_FLAG(list_tests)) {
         return RUN_ALL_TESTS();
     }
+    const TemporaryFolder libraryCatalogs;
     PrivateWorld world;
     world.trustedCertificates = TestAuthority();
+    world.libraryCatalogs = libraryCatalogs.Path();
     if (!EnterPrivateWorld(world)) {
         return EXIT_FAILURE;
     }

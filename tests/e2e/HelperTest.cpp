@@ -1,13 +1,17 @@
 #include "HelperTest.h"
 
 #include <cstdlib>
+#include <sstream>
 
 #include "SystemLogLine.h"
+#include "TemporaryFolder.h"
+#include "WaitUntil.h"
 
 namespace {
 
 constexpr const char* kIdentity = "tkwebhelper";
 constexpr std::chrono::seconds kPromptly{5};
+constexpr std::chrono::seconds kIdleTime{1};
 
 std::string TextOf(ReceiveOutcome outcome, const CBrowserResult& result) {
     switch (outcome) {
@@ -28,12 +32,32 @@ bool IsOfMessageCatalog(const SystemLogLine& line) {
     return line.file.find("/i18n/") != std::string::npos;
 }
 
+// How often a process's main thread has gone to sleep so far, and whether it sleeps now.
+struct Sleep {
+    std::string count;
+    bool now = false;
+};
+
+Sleep SleepOf(pid_t process) {
+    std::istringstream status(ReadFile("/proc/" + std::to_string(process) + "/status"));
+    Sleep sleep;
+    for (std::string line; std::getline(status, line);) {
+        if (line.rfind("State:", 0) == 0) {
+            sleep.now = line.find("sleeping") != std::string::npos;
+        } else if (line.rfind("voluntary_ctxt_switches:", 0) == 0) {
+            sleep.count = line;
+        }
+    }
+    return sleep;
+}
+
 }  // namespace
 
 std::string OperationText(const std::vector<std::pair<std::string, std::string>>& members) {
     std::string text;
     for (const auto& [key, value] : members) {
-        text += (text.empty() ? "{\"" : ",\"") + key + "\":\"" + value + "\"";
+        text.append(text.empty() ? "{\"" : ",\"").append(key);
+        text.append("\":\"").append(value).append("\"");
     }
     return text + "}";
 }
@@ -103,6 +127,20 @@ bool HelperTest::AwaitHidden(XWindow window) {
     return m_screen.WaitUntil([&] { return !m_screen.IsMapped(window); });
 }
 
+bool HelperTest::AwaitIdle() const {
+    std::string count;
+    auto since = std::chrono::steady_clock::now();
+    return PollUntil([&] {
+        const Sleep sleep = SleepOf(m_helper.Pid());
+        const auto now = std::chrono::steady_clock::now();
+        if (!sleep.now || sleep.count != count) {
+            count = sleep.count;
+            since = now;
+        }
+        return now - since >= kIdleTime;
+    });
+}
+
 std::string HelperTest::Terminate() {
     Send(R"({"operation":"terminate"})");
     return AwaitEnd();
@@ -115,7 +153,7 @@ std::string HelperTest::AwaitEnd() {
 
 std::string HelperTest::AwaitPromptEnd() {
     const auto start = std::chrono::steady_clock::now();
-    const std::string end = AwaitEnd();
+    std::string end = AwaitEnd();
     EXPECT_LT(std::chrono::steady_clock::now() - start, kPromptly);
     return end;
 }

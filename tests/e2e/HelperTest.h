@@ -51,6 +51,10 @@ protected:
     /// Whether the window gets hidden.
     [[nodiscard]] bool AwaitHidden(XWindow window);
 
+    /// Waits until the program's main thread has slept through a whole second, as it does between
+    /// operations. Whoever quits must wake it then.
+    [[nodiscard]] bool AwaitIdle() const;
+
     /// Asks the program to end, and waits for that.
     [[nodiscard]] std::string Terminate();
     /// "exited with status 0", say; "still runs" when the test deadline passed.
