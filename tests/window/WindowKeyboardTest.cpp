@@ -129,8 +129,11 @@ TEST_F(WindowKeyboardTest, TheKeypadZoomsTheSameWay) {
 }
 
 TEST_F(WindowKeyboardTest, KeysWithoutTheirModifierAreThePages) {
-    m_server.ServePage("/form", "<input autofocus oninput='fetch(\"/typed?\" + this.value)'>");
+    m_server.ServePage("/form",
+                       "<input autofocus onfocus='fetch(\"/focused\")'"
+                       " oninput='fetch(\"/typed?\" + this.value)'>");
     ShowAndFocus("/form");
+    ASSERT_TRUE(WaitForRequest("/focused"));
     m_screen.Type("r=-0");
     ASSERT_TRUE(WaitForRequest("/typed", 4));
     EXPECT_EQ(m_server.RequestLines().back(), "GET /typed?r=-0");

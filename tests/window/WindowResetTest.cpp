@@ -39,18 +39,35 @@ TEST_F(WindowResetTest, HidesTheWindow) {
 }
 
 TEST_F(WindowResetTest, StopsTheOperationThatIsGoingOn) {
-    m_server.ServeHalfUntilRelease("/page", {404, std::string(2000, 'x')});
     m_server.ServeOnRelease("/slow", {404, "late"});
     m_server.ServePage("/next", "hello");
-    Send(Operation::Browse(m_server.Url("/slow"), m_server.Url("/slow")).Timeout(1));
+    Send(Operation::Browse(m_server.Url("/slow"), m_server.Url("/slow")));
     ASSERT_TRUE(WaitForRequest("/slow"));
     Reset();
     m_server.Release("/slow");
     Send(Operation::Browse(m_server.Url("/next"), m_server.Url("/next")));
     ASSERT_TRUE(WaitForResults(2));
-    OutlastOneSecondTimeout();
     EXPECT_THAT(Results(), ElementsAre("ready", "success"));
     EXPECT_THAT(LogLines(), IsEmpty());
+}
+
+TEST_F(WindowResetTest, StopsAPageInTheMiddleOfIt) {
+    m_server.ServeHalfUntilRelease("/page", {200, std::string(4000, 'x')});
+    Send(Operation::Browse(m_server.Url("/page"), m_server.Url("/page")));
+    ASSERT_TRUE(m_loads.WaitFor("COMMITTED " + m_server.Url("/page")));
+    Reset();
+    m_server.Release("/page");
+    RunPendingEvents();
+    EXPECT_THAT(Results(), ElementsAre("ready"));
+    EXPECT_THAT(LogLines(), IsEmpty());
+}
+
+TEST_F(WindowResetTest, TakesTheTimeoutAway) {
+    m_server.ServeOnRelease("/slow", {200, "late"});
+    Browser().LoadPage(m_server.Url("/slow"), m_server.Url("/slow"), "", "", "", 1);
+    Browser().ResetBrowser();
+    OutlastOneSecondTimeout();
+    EXPECT_THAT(Results(), ElementsAre("ready"));
 }
 
 TEST_F(WindowResetTest, LeavesTheNextResultToBeDelivered) {
