@@ -14,9 +14,11 @@ constexpr guint kLookAgainMilliseconds = 20;
 class Ticks {
 public:
     Ticks()
-        : m_source(g_timeout_add(
-              kLookAgainMilliseconds, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; },
-              nullptr)) {}
+        // Behind everything else: a predicate that takes longer than this would leave the loop
+        // no time for what it waits for, such as the drawing of a window.
+        : m_source(g_timeout_add_full(
+              G_PRIORITY_LOW, kLookAgainMilliseconds,
+              [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr, nullptr)) {}
     ~Ticks() { g_source_remove(m_source); }
     Ticks(const Ticks&) = delete;
     Ticks& operator=(const Ticks&) = delete;

@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "FileDescriptor.h"
+#include "ProgramRestart.h"
 
 namespace {
 
@@ -185,9 +186,7 @@ void Enter(const PrivateWorld& world) {
     }
 }
 
-}  // namespace
-
-bool EnterPrivateWorld(const PrivateWorld& world) {
+bool TryToEnter(const PrivateWorld& world) {
     try {
         Enter(world);
         return true;
@@ -195,4 +194,18 @@ bool EnterPrivateWorld(const PrivateWorld& world) {
         std::cerr << "Cannot make a private world for this test program: " << error.what() << "\n";
         return false;
     }
+}
+
+}  // namespace
+
+bool EnterPrivateWorld(const PrivateWorld& world) {
+    if (WasRestarted()) {
+        return true;
+    }
+    // A process with threads gets no user namespace, and of a mount namespace only one thread
+    // would see anything. Some libraries and sanitizers start threads before main.
+    if (HasOtherThreads()) {
+        RestartInChild([&] { return TryToEnter(world); });
+    }
+    return TryToEnter(world);
 }

@@ -20,6 +20,7 @@ struct PrivateWorld {
 
 /// Moves the process into a mount namespace of its own, where it and its children see these
 /// pieces instead of the machine's; all of it vanishes with them. To be called at the start of
-/// main, before there is any thread. Needs no privilege beyond user namespaces, and keeps the
-/// user's id. On failure says why on standard error and gives false.
+/// main; a program that has other threads by then is restarted in a child process. Needs no
+/// privilege beyond user namespaces, and keeps the user's id. On failure says why on standard error
+/// and gives false.
 [[nodiscard]] bool EnterPrivateWorld(const PrivateWorld& world);

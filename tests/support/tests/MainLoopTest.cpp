@@ -23,6 +23,23 @@ TEST(MainLoopTest, SeesWhatAnotherThreadDid) {
     other.join();
 }
 
+TEST(MainLoopTest, ASlowPredicateHoldsBackNothing) {
+    bool done = false;
+    g_idle_add(
+        [](gpointer data) -> gboolean {
+            *static_cast<bool*>(data) = true;
+            return G_SOURCE_REMOVE;
+        },
+        &done);
+    int asked = 0;
+    EXPECT_TRUE(RunMainLoopUntil([&] {
+        // Longer than the loop's own wait.
+        g_usleep(100000);
+        return done || ++asked == 10;
+    }));
+    EXPECT_TRUE(done);
+}
+
 TEST(MainLoopTest, RunsWhatIsPendingAndReturns) {
     bool done = false;
     g_idle_add(
