@@ -12,6 +12,9 @@ namespace {
 constexpr std::size_t kMaximumArguments = 10;
 constexpr std::size_t kMaximumWidthDigits = 4;
 constexpr char kPositionCharacters[] = "$0123456789";
+// Writes nothing, but uses every position. The hardened C library ends a program whose format
+// leaves one out, as a translation may that does without an argument.
+constexpr char kEveryPosition[] = "%1$.0s%2$.0s%3$.0s%4$.0s%5$.0s%6$.0s%7$.0s%8$.0s%9$.0s%10$.0s";
 
 // Turns each conversion into one of a string, whatever stood there, a second "%" included.
 std::string TakeArgumentsAsStrings(std::string format) {
@@ -97,7 +100,8 @@ std::array<const char*, kMaximumArguments> PassedArguments(
 }
 
 std::string InsertArguments(const std::string& message, const std::vector<std::string>& arguments) {
-    const std::string format = ConversionNumbering().Number(TakeArgumentsAsStrings(message));
+    const std::string format =
+        kEveryPosition + ConversionNumbering().Number(TakeArgumentsAsStrings(message));
     const auto passed = PassedArguments(arguments);
     return MsgCatalog::formatMessage(format.c_str(), passed[0], passed[1], passed[2], passed[3],
                                      passed[4], passed[5], passed[6], passed[7], passed[8],
