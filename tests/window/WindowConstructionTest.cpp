@@ -105,6 +105,7 @@ TEST_F(WindowConstructionTest, DoesWithoutAnIcon) {
     EXPECT_THAT(LogLines(), Not(Contains(testing::HasSubstr("icon"))));
 }
 
+// Today's engine has neither any more and says so whatever it is told; older ones had both.
 TEST_F(WindowConstructionTest, RunsNoPluginsAndNoJava) {
     Open();
     EXPECT_FALSE(PropertyOfView("enable-plugins"));

@@ -146,8 +146,9 @@ TEST_F(WindowCookieHeaderTest, DoesNotCountWithoutAFinalHost) {
 
 TEST_F(WindowCookieHeaderTest, DoesNotCountWithoutACookieToLookFor) {
     m_server.ServePage("/page", "hello");
-    const AddedHeader header(View(), m_server.Url("/page"), "sid=abc; Path=/");
-    Send(Operation::Browse(m_server.Url("/page"), m_server.Url("/page")));
+    const AddedHeader header(View(), m_server.Url("/page"), "err=E7; Path=/");
+    // The error cookie alone makes no cookie operation.
+    Send(Operation::BrowseForCookie(m_server.Url("/page"), m_server.Url("/page"), "", "err"));
     ASSERT_TRUE(WaitForResults(1));
     EXPECT_TRUE(header.IsDelivered());
     EXPECT_THAT(Results(), ElementsAre("success"));

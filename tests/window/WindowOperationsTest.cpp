@@ -63,6 +63,15 @@ TEST_F(WindowOperationsTest, ShowsTheWindowWithThePageReadyForTheKeyboard) {
     EXPECT_THAT(Results(), IsEmpty());
 }
 
+TEST_F(WindowOperationsTest, GivesThePageTheKeyboardEachTimeItShows) {
+    m_server.ServePage("/page", "hello");
+    ShowPage("/page");
+    gtk_window_set_focus(Window(), nullptr);
+    Send(Operation::Browse(m_server.Url("/page"), "never").Shown());
+    EXPECT_TRUE(
+        RunMainLoopUntil([&] { return gtk_window_get_focus(Window()) == GTK_WIDGET(View()); }));
+}
+
 TEST_F(WindowOperationsTest, ShowsWhatItBrowses) {
     m_server.Serve("/page", {200, "<body style='background: #20c040'>"});
     ShowPage("/page");

@@ -110,6 +110,16 @@ TEST_F(WindowResetTest, WatchesTheNewViewAsItDidTheOld) {
     EXPECT_THAT(Results(), ElementsAre("ready", "error_navi", "success"));
 }
 
+TEST_F(WindowResetTest, LeavesEachKeyOneActionOnly) {
+    Reset();
+    Reset();
+    GSList* const groups = gtk_accel_groups_from_object(G_OBJECT(Window()));
+    guint count = 0;
+    gtk_accel_group_query(GTK_ACCEL_GROUP(groups->data), GDK_KEY_r, GDK_CONTROL_MASK, &count);
+    EXPECT_EQ(g_slist_length(groups), 1U);
+    EXPECT_EQ(count, 1U);
+}
+
 TEST_F(WindowResetTest, GivesTheWindowItsSizeBack) {
     m_server.ServePage("/page", "hello");
     ShowPage("/page");
