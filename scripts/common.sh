@@ -31,3 +31,9 @@ build() {
     step "Build ($preset)"
     cmake --build "$root/build/$preset" ${1:+--target "$@"} || fail "$current_step"
 }
+
+# run_suites PRESET: every test of a build, several at a time.
+run_suites() {
+    step "Tests ($1)"
+    (cd "$root" && ctest --preset "$1" -j "$(nproc)") || fail "$current_step"
+}
