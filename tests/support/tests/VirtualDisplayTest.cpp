@@ -3,24 +3,35 @@
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <xcb/xcb.h>
 
 #include <csignal>
 #include <cstdlib>
+#include <memory>
 #include <optional>
 
-#include "WaitUntil.h"
 #include "XClient.h"
 
 namespace {
 
-bool Answers(const std::string& display) {
-    try {
-        const XClient client(display);
-        return true;
-    } catch (const std::runtime_error&) {
-        return false;
+/// A client of one server. When that ends its number is free, and another may have it at once.
+class Client {
+public:
+    explicit Client(const std::string& display)
+        : m_connection(xcb_connect(display.c_str(), nullptr), xcb_disconnect) {}
+
+    bool IsConnected() const { return xcb_connection_has_error(m_connection.get()) == 0; }
+
+    // Returns when the server has ended.
+    void WaitForEnd() const {
+        while (std::unique_ptr<xcb_generic_event_t, void (*)(void*)>(
+            xcb_wait_for_event(m_connection.get()), std::free)) {
+        }
     }
-}
+
+private:
+    std::unique_ptr<xcb_connection_t, void (*)(xcb_connection_t*)> m_connection;
+};
 
 }  // namespace
 
@@ -47,10 +58,11 @@ TEST(VirtualDisplayTest, TwoHaveDifferentNames) {
 
 TEST(VirtualDisplayTest, EndsWithTheObject) {
     std::optional<VirtualDisplay> display(std::in_place);
-    const std::string name = display->Name();
-    ASSERT_TRUE(Answers(name));
+    const Client client(display->Name());
+    ASSERT_TRUE(client.IsConnected());
     display.reset();
-    EXPECT_FALSE(Answers(name));
+    client.WaitForEnd();
+    EXPECT_FALSE(client.IsConnected());
 }
 
 TEST(VirtualDisplayTest, EndsWithAProcessThatIsKilled) {
@@ -71,10 +83,12 @@ TEST(VirtualDisplayTest, EndsWithAProcessThatIsKilled) {
     }
     close(ends[0]);
     close(ends[1]);
-    EXPECT_TRUE(Answers(name));
+    const Client client(name);
+    EXPECT_TRUE(client.IsConnected());
     kill(child, SIGKILL);
     ASSERT_EQ(waitpid(child, nullptr, 0), child);
-    EXPECT_TRUE(PollUntil([&] { return !Answers(name); }));
+    client.WaitForEnd();
+    EXPECT_FALSE(client.IsConnected());
 }
 
 TEST(VirtualDisplayTest, SaysWhenTheServerDoesNotStart) {
