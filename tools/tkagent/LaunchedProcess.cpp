@@ -2,7 +2,7 @@
 
 #include <fcntl.h>
 #include <linux/close_range.h>
-// The library's header lacks the linkage specification that C++ needs.
+// The library's header is not wrapped in extern "C", which C++ needs.
 extern "C" {
 #include <sys/pidfd.h>
 }
