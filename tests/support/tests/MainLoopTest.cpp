@@ -33,7 +33,7 @@ TEST(MainLoopTest, ASlowPredicateHoldsBackNothing) {
         &done);
     int asked = 0;
     EXPECT_TRUE(RunMainLoopUntil([&] {
-        // Longer than the loop's own wait.
+        // No wait for anything: the predicate's slowness, beyond the loop's own wait, is the case.
         g_usleep(100000);
         return done || ++asked == 10;
     }));

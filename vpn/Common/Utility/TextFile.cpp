@@ -114,6 +114,29 @@ bool SeachFileForMatchingLine(const std::string& path, const std::string& line) 
     return outcome == ReadOutcome::kStopped;
 }
 
+namespace {
+
+// Writes the edited text back if all of the file was read. Failures are the editing function's.
+bool FinishRewrite(const char* function, const std::string& path, ReadOutcome outcome,
+                   const std::string& text) {
+    if (outcome == ReadOutcome::kNotOpened) {
+        LogMessage(function, __FILE__, __LINE__, 'E', "Failed to open file %s", path.c_str());
+        return false;
+    }
+    if (outcome == ReadOutcome::kFailed) {
+        LogMessage(function, __FILE__, __LINE__, 'E', "Failed to fully inspect file %s",
+                   path.c_str());
+        return false;
+    }
+    if (!SetTextFileContents(path, text)) {
+        LogMessage(function, __FILE__, __LINE__, 'E', "Failed to update file %s", path.c_str());
+        return false;
+    }
+    return true;
+}
+
+}  // namespace
+
 bool RemoveFromFileMatchingLine(const std::string& path, const std::string& line) {
     if (path.empty() || line.empty()) {
         TK_LOG_ERROR("At least one argument is invalid");
@@ -127,19 +150,7 @@ bool RemoveFromFileMatchingLine(const std::string& path, const std::string& line
         kept += candidate != line ? candidate + "\n" : "";
         return true;
     });
-    if (outcome == ReadOutcome::kNotOpened) {
-        TK_LOG_ERROR("Failed to open file %s", path.c_str());
-        return false;
-    }
-    if (outcome == ReadOutcome::kFailed) {
-        TK_LOG_ERROR("Failed to fully inspect file %s", path.c_str());
-        return false;
-    }
-    if (!SetTextFileContents(path, kept)) {
-        TK_LOG_ERROR("Failed to update file %s", path.c_str());
-        return false;
-    }
-    return true;
+    return FinishRewrite(__func__, path, outcome, kept);
 }
 
 bool insertIntoFilePrePostMatchingLine(const std::string& path, const std::string& newLine,
@@ -158,19 +169,7 @@ bool insertIntoFilePrePostMatchingLine(const std::string& path, const std::strin
         text += isAnchor && before != 1 ? newLine + "\n" : "";
         return true;
     });
-    if (outcome == ReadOutcome::kNotOpened) {
-        TK_LOG_ERROR("Failed to open file %s", path.c_str());
-        return false;
-    }
-    if (outcome == ReadOutcome::kFailed) {
-        TK_LOG_ERROR("Failed to fully inspect file %s", path.c_str());
-        return false;
-    }
-    if (!SetTextFileContents(path, text)) {
-        TK_LOG_ERROR("Failed to update file %s", path.c_str());
-        return false;
-    }
-    return true;
+    return FinishRewrite(__func__, path, outcome, text);
 }
 
 bool insertIntoFilePreMatchingLine(const std::string& path, const std::string& newLine,
