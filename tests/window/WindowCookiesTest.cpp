@@ -131,8 +131,8 @@ TEST_F(WindowCookiesTest, ACookieForAnotherPathIsNone) {
     EXPECT_THAT(LogLines(), IsEmpty());
 }
 
-TEST_F(WindowCookiesTest, NothingIsAskedBeforeTheFinalPage) {
-    ServePageWithCookies("/login", {"sid=abc; Path=/"});
+TEST_F(WindowCookiesTest, OtherCookiesBeforeTheFinalPageEndNothing) {
+    ServePageWithCookies("/login", {"other=abc; Path=/"});
     Send(Operation::BrowseForCookie(m_server.Url("/login"), m_server.Url("/final"), "sid"));
     ASSERT_TRUE(m_loads.WaitFor("FINISHED " + m_server.Url("/login")));
     ASSERT_TRUE(WaitForCookieQueries(View()));

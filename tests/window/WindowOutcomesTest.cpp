@@ -366,22 +366,6 @@ TEST_F(WindowOutcomesTest, AResultHidesTheWindow) {
     EXPECT_TRUE(RunMainLoopUntil([&] { return !IsShown(); }));
 }
 
-TEST_F(WindowOutcomesTest, ADeadWebProcessLeavesTheOperationOpenForTheUser) {
-    m_server.ServePage("/page", "hello");
-    m_server.ServePage("/next", "hello");
-    ShowPage("/page");
-    bool ended = false;
-    g_signal_connect_swapped(View(), "web-process-terminated",
-                             G_CALLBACK(+[](bool* flag) { *flag = true; }), &ended);
-    webkit_web_view_terminate_web_process(View());
-    ASSERT_TRUE(RunMainLoopUntil([&] { return ended; }));
-    EXPECT_THAT(Results(), IsEmpty());
-    CloseWindow();
-    Send(Operation::Browse(m_server.Url("/next"), m_server.Url("/next")));
-    ASSERT_TRUE(WaitForResults(2));
-    EXPECT_THAT(Results(), ElementsAre("cancel", "success"));
-}
-
 TEST(WindowWithoutHandlerTest, AResultWithoutAHandlerIsAProgrammingError) {
     const GObjectPtr<GtkApplication> application(
         gtk_application_new(nullptr, G_APPLICATION_DEFAULT_FLAGS));

@@ -18,7 +18,6 @@
 #include "TlsErrorText.h"
 #include "UriHost.h"
 #include "UserAgent.h"
-#include "WebKitSymbolResolver.h"
 
 namespace {
 
@@ -47,16 +46,22 @@ guint LongestTimeoutAtMost(std::uint32_t seconds) {
     return std::min<guint>(seconds, std::numeric_limits<guint>::max() / 1000);
 }
 
+const char* TerminationText(WebKitWebProcessTerminationReason reason) {
+    switch (reason) {
+        case WEBKIT_WEB_PROCESS_CRASHED:
+            return "crashed";
+        case WEBKIT_WEB_PROCESS_EXCEEDED_MEMORY_LIMIT:
+            return "exceeded its memory limit";
+        default:
+            return "was terminated";
+    }
+}
+
 }  // namespace
 
 struct GtkBrowserWindow::QueuedOperation {
     GtkBrowserWindow* window;
     CBrowserOperation operation;
-};
-
-struct GtkBrowserWindow::CookieQuery {
-    GtkBrowserWindow* window;
-    std::uint64_t operationNumber;
 };
 
 GtkBrowserWindow::GtkBrowserWindow(GtkApplication* application, ResultHandler resultHandler)
@@ -69,6 +74,7 @@ GtkBrowserWindow::~GtkBrowserWindow() {
     removeTimeout();
     g_signal_handlers_disconnect_by_data(m_webView.get(), this);
     g_signal_handlers_disconnect_by_data(m_window.get(), this);
+    g_signal_handlers_disconnect_by_data(m_cookieManager, this);
 }
 
 void GtkBrowserWindow::init(GtkApplication* application) {
@@ -87,6 +93,8 @@ void GtkBrowserWindow::init(GtkApplication* application) {
                                          WEBKIT_PROCESS_MODEL_SHARED_SECONDARY_PROCESS);
     G_GNUC_END_IGNORE_DEPRECATIONS
     m_cookieManager = webkit_web_context_get_cookie_manager(m_webContext.get());
+    g_signal_connect(m_cookieManager, "changed", G_CALLBACK(cookiesChangedCB), this);
+    m_cookieStore.emplace(m_cookieManager);
     initCookieStorage();
 }
 
@@ -113,8 +121,11 @@ void GtkBrowserWindow::initWebView() {
     GtkWindow* const window = GTK_WINDOW(m_window.get());
     gtk_window_set_position(window, GTK_WIN_POS_CENTER);
     gtk_window_resize(window, kWindowWidth, kWindowHeight);
-    g_object_set(webkit_web_view_get_settings(m_webView.get()), "enable-plugins", FALSE,
-                 "enable-java", FALSE, nullptr);
+    WebKitSettings* const settings = webkit_web_view_get_settings(m_webView.get());
+    g_object_set(settings, "enable-plugins", FALSE, "enable-java", FALSE, nullptr);
+    // A sign-in page needs no graphics processor, and a broken driver would leave it blank.
+    webkit_settings_set_hardware_acceleration_policy(settings,
+                                                     WEBKIT_HARDWARE_ACCELERATION_POLICY_NEVER);
 }
 
 void GtkBrowserWindow::connectWebViewSignals() {
@@ -129,6 +140,7 @@ void GtkBrowserWindow::connectWebViewSignals() {
         {"context-menu", G_CALLBACK(onContextMenu)},
         {"resource-load-started", G_CALLBACK(onResourceLoadStarted)},
         {"decide-policy", G_CALLBACK(onDecidePolicy)},
+        {"web-process-terminated", G_CALLBACK(webProcessTerminatedCB)},
     };
     for (const auto& [signal, handler] : handlers) {
         g_signal_connect(m_webView.get(), signal, handler, this);
@@ -203,6 +215,8 @@ void GtkBrowserWindow::LoadPage(const std::string& url, const std::string& final
     m_errorCookieName = errorCookieName;
     ++m_operationNumber;
     m_awaitingLoadStart = true;
+    m_loadRepeated = false;
+    beginCookieWatch();
     if (!userAgent.empty()) {
         updateUserAgent(userAgent);
     }
@@ -241,7 +255,6 @@ void GtkBrowserWindow::ResetBrowser() {
     gtk_container_remove(GTK_CONTAINER(m_window.get()), GTK_WIDGET(m_webView.get()));
     m_webView.reset();
     m_resultSent = false;
-    ++m_operationNumber;
     m_awaitingLoadStart = false;
     initWebView();
     CBrowserResult ready(BrowserResultType::ready, "");
@@ -255,6 +268,9 @@ void GtkBrowserWindow::SendResult(CBrowserResult& result, bool resultSentAfter) 
     if (m_resultSent.exchange(resultSentAfter)) {
         return;
     }
+    // Answers to cookie queries that are still on their way are nobody's from here on.
+    ++m_operationNumber;
+    m_cookieWatch.End();
     m_resultHandler(result);
     Hide();
 }
@@ -314,40 +330,26 @@ void GtkBrowserWindow::pageFinished() {
 }
 
 void GtkBrowserWindow::queryCookies(const char* uri) {
-    const CWebKitSymbolResolver& resolver = CWebKitSymbolResolver::GetInstance();
-    if (!resolver.ready) {
+    if (!CCookieStore::CanBeAsked()) {
         sendFinalResult(BrowserResultType::error_cookie);
         return;
     }
-    auto query = std::make_unique<CookieQuery>(CookieQuery{this, m_operationNumber});
-    resolver.getCookies(m_cookieManager, uri, nullptr, getCookiesAsyncReadyCB, query.release());
+    m_cookieStore->QueryFor(uri, [this, operation = m_operationNumber](const auto& cookies) {
+        if (operation == m_operationNumber && cookies) {
+            decideByCookies(*cookies);
+        }
+    });
 }
 
-void GtkBrowserWindow::getCookiesAsyncReadyCB(GObject* /*source*/, GAsyncResult* result,
-                                              gpointer query) {
-    const std::unique_ptr<CookieQuery> answered(static_cast<CookieQuery*>(query));
-    GtkBrowserWindow* const self = answered->window;
-    GError* rawError = nullptr;
-    GList* const cookies = CWebKitSymbolResolver::GetInstance().getCookiesFinish(
-        self->m_cookieManager, result, &rawError);
-    if (const GErrorPtr error{rawError}) {
-        TK_LOG_ERROR("Unable to get cookies from cookie manager. %s", error->message);
-    } else if (answered->operationNumber == self->m_operationNumber) {
-        self->decideByCookies(cookies);
-    }
-    g_list_free_full(cookies,
-                     [](gpointer cookie) { soup_cookie_free(static_cast<SoupCookie*>(cookie)); });
-}
-
-void GtkBrowserWindow::decideByCookies(GList* cookies) {
+void GtkBrowserWindow::decideByCookies(const std::vector<StoredCookie>& cookies) {
     // Without any cookie the operation stays open on purpose: the sign-in may still be going on.
-    if (cookies == nullptr || m_resultSent) {
+    if (cookies.empty() || m_resultSent) {
         return;
     }
     // The first match ends the walk. The flag would not do: the agent's next operation, on its way
     // as soon as the result is out, clears it.
-    for (GList* item = cookies; item != nullptr; item = item->next) {
-        if (onCookieListItem(static_cast<SoupCookie*>(item->data))) {
+    for (const StoredCookie& cookie : cookies) {
+        if (onCookieListItem(cookie)) {
             return;
         }
     }
@@ -356,28 +358,72 @@ void GtkBrowserWindow::decideByCookies(GList* cookies) {
     sendFinalResult(BrowserResultType::error_cookie);
 }
 
-bool GtkBrowserWindow::onCookieListItem(SoupCookie* cookie) {
-    const std::string name = soup_cookie_get_name(cookie);
-    const std::string value = soup_cookie_get_value(cookie);
-    if (value.empty()) {
+bool GtkBrowserWindow::onCookieListItem(const StoredCookie& cookie) {
+    if (cookie.value.empty()) {
         return false;
     }
-    if (name == m_cookieName) {
-        sendFinalResult(BrowserResultType::success_with_cookie, value);
+    if (cookie.name == m_cookieName) {
+        sendFinalResult(BrowserResultType::success_with_cookie, cookie.value);
         return true;
     }
-    if (name == m_errorCookieName) {
-        sendFinalResult(BrowserResultType::error_cookie, value);
+    if (cookie.name == m_errorCookieName) {
+        sendFinalResult(BrowserResultType::error_cookie, cookie.value);
         return true;
     }
     return false;
 }
 
+void GtkBrowserWindow::beginCookieWatch() {
+    m_cookieWatch.Begin(m_cookieName, m_errorCookieName);
+    if (!m_cookieMode || !CCookieStore::CanBeAsked()) {
+        return;
+    }
+    m_cookieStore->QueryAll(m_finalUrl, [this, operation = m_operationNumber](auto cookies) {
+        if (operation == m_operationNumber && cookies) {
+            m_cookieWatch.SetBaseline(std::move(*cookies));
+            askCookieStore();
+        }
+    });
+}
+
+void GtkBrowserWindow::askCookieStore() {
+    const std::optional<std::string> uri = m_cookieWatch.TakeQuery();
+    if (!uri) {
+        return;
+    }
+    m_cookieStore->QueryFor(*uri, [this, operation = m_operationNumber](const auto& cookies) {
+        if (operation == m_operationNumber && cookies) {
+            decideByStoredCookies(*cookies);
+        } else {
+            m_cookieWatch.OnNoAnswer();
+        }
+        askCookieStore();
+    });
+}
+
+void GtkBrowserWindow::decideByStoredCookies(const std::vector<StoredCookie>& cookies) {
+    const std::optional<FoundCookie> found = m_cookieWatch.OnAnswer(cookies);
+    if (found) {
+        sendFinalResult(found->kind == FoundCookie::Kind::cookie
+                            ? BrowserResultType::success_with_cookie
+                            : BrowserResultType::error_cookie,
+                        found->value);
+    }
+}
+
+void GtkBrowserWindow::cookiesChangedCB(WebKitCookieManager* /*manager*/, GtkBrowserWindow* self) {
+    self->m_cookieWatch.OnCookiesChanged();
+    self->askCookieStore();
+}
+
 void GtkBrowserWindow::onResourceLoadStarted(WebKitWebView* /*webView*/,
                                              WebKitWebResource* resource, WebKitURIRequest* request,
                                              GtkBrowserWindow* self) {
-    if (self->m_cookieMode &&
-        HaveEqualHosts(webkit_uri_request_get_uri(request), self->m_finalUrl.c_str())) {
+    if (!self->m_cookieMode) {
+        return;
+    }
+    self->m_cookieWatch.OnResourceStarted();
+    if (HaveEqualHosts(webkit_uri_request_get_uri(request), self->m_finalUrl.c_str())) {
         g_signal_connect(resource, "notify::response", G_CALLBACK(onResourceResponse), self);
     }
 }
@@ -393,17 +439,24 @@ void GtkBrowserWindow::onResourceResponse(WebKitWebResource* resource, GParamSpe
     SoupMessageHeaders* const headers = webkit_uri_response_get_http_headers(response);
     const char* const header =
         headers != nullptr ? soup_message_headers_get_one(headers, "Set-Cookie") : nullptr;
-    if (header == nullptr) {
+    if (header != nullptr) {
+        self->decideByHeader(header);
         return;
     }
-    const std::string value = ExtractCookieValue(header, self->m_cookieName);
+    // Today's engines hide the header. What it did to the store still shows.
+    self->m_cookieWatch.OnResponse(webkit_uri_response_get_uri(response));
+    self->askCookieStore();
+}
+
+void GtkBrowserWindow::decideByHeader(const char* header) {
+    const std::string value = ExtractCookieValue(header, m_cookieName);
     if (!value.empty()) {
-        self->sendFinalResult(BrowserResultType::success_with_cookie, value);
+        sendFinalResult(BrowserResultType::success_with_cookie, value);
         return;
     }
-    const std::string errorValue = ExtractCookieValue(header, self->m_errorCookieName);
+    const std::string errorValue = ExtractCookieValue(header, m_errorCookieName);
     if (!errorValue.empty()) {
-        self->sendFinalResult(BrowserResultType::error_cookie, errorValue);
+        sendFinalResult(BrowserResultType::error_cookie, errorValue);
     }
 }
 
@@ -434,6 +487,22 @@ gboolean GtkBrowserWindow::webViewLoadFailedWithTLSErrorsCB(WebKitWebView* /*web
         self->sendFinalResult(BrowserResultType::error_cert);
     }
     return TRUE;
+}
+
+void GtkBrowserWindow::webProcessTerminatedCB(WebKitWebView* webView,
+                                              WebKitWebProcessTerminationReason reason,
+                                              GtkBrowserWindow* self) {
+    const char* const uri = webkit_web_view_get_uri(webView);
+    TK_LOG_ERROR("The web process %s, URI = %s", TerminationText(reason),
+                 uri != nullptr ? uri : "");
+    // A load that was asked for while the process was already dying is lost with it: it is asked
+    // for once more, in a new process. A page that takes its process down ends the operation.
+    if (self->m_awaitingLoadStart && !self->m_loadRepeated) {
+        self->m_loadRepeated = true;
+        webkit_web_view_load_uri(webView, self->m_url.c_str());
+        return;
+    }
+    self->sendFinalResult(BrowserResultType::error_unknown);
 }
 
 gboolean GtkBrowserWindow::onDecidePolicy(WebKitWebView* webView, WebKitPolicyDecision* decision,

@@ -7,10 +7,14 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "AcceleratorSet.h"
 #include "BrowserDataModel.h"
+#include "CookieStore.h"
+#include "CookieWatch.h"
 #include "GObjectPtr.h"
 
 /// The one browser of the process: a top-level window with a web view. It carries out browser
@@ -47,7 +51,6 @@ public:
 
 private:
     struct QueuedOperation;
-    struct CookieQuery;
 
     void init(GtkApplication* application);
     void initCookieStorage();
@@ -62,8 +65,12 @@ private:
     void pageCommitted();
     void pageFinished();
     void queryCookies(const char* uri);
-    void decideByCookies(GList* cookies);
-    [[nodiscard]] bool onCookieListItem(SoupCookie* cookie);
+    void decideByCookies(const std::vector<StoredCookie>& cookies);
+    [[nodiscard]] bool onCookieListItem(const StoredCookie& cookie);
+    void beginCookieWatch();
+    void askCookieStore();
+    void decideByStoredCookies(const std::vector<StoredCookie>& cookies);
+    void decideByHeader(const char* header);
 
     static gboolean handleOperationCB(gpointer block);
     static void onReadyToShow(WebKitWebView* webView, GtkBrowserWindow* self);
@@ -77,7 +84,10 @@ private:
                                                      GTlsCertificate* certificate,
                                                      GTlsCertificateFlags errors,
                                                      GtkBrowserWindow* self);
-    static void getCookiesAsyncReadyCB(GObject* source, GAsyncResult* result, gpointer query);
+    static void webProcessTerminatedCB(WebKitWebView* webView,
+                                       WebKitWebProcessTerminationReason reason,
+                                       GtkBrowserWindow* self);
+    static void cookiesChangedCB(WebKitCookieManager* manager, GtkBrowserWindow* self);
     static void onResourceLoadStarted(WebKitWebView* webView, WebKitWebResource* resource,
                                       WebKitURIRequest* request, GtkBrowserWindow* self);
     static void onResourceResponse(WebKitWebResource* resource, GParamSpec* property,
@@ -92,6 +102,8 @@ private:
     GObjectPtr<WebKitWebView> m_webView;
     GObjectPtr<WebKitWebContext> m_webContext;
     WebKitCookieManager* m_cookieManager = nullptr;
+    std::optional<CCookieStore> m_cookieStore;
+    CCookieWatch m_cookieWatch;
     GObjectPtr<GtkAccelGroup> m_acceleratorGroup;
     std::unique_ptr<CAcceleratorSet> m_accelerators;
     std::string m_url;
@@ -104,6 +116,9 @@ private:
     std::atomic<bool> m_resultSent{false};
     // From an operation's asking for its load until that load starts.
     bool m_awaitingLoadStart = false;
-    // Tells the answer of an earlier operation's cookie query from one of this operation's.
+    // The operation's load has been asked for once more, since the first was lost.
+    bool m_loadRepeated = false;
+    // Tells the answer of an earlier operation's cookie query from one of this operation's: it
+    // changes when an operation asks for its load, and when a result is delivered.
     std::uint64_t m_operationNumber = 0;
 };

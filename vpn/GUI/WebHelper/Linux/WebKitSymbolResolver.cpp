@@ -7,8 +7,13 @@
 namespace {
 
 template <class Function>
-bool Resolve(void* handle, const char* name, Function& function) {
+void Find(void* handle, const char* name, Function& function) {
     function = reinterpret_cast<Function>(dlsym(handle, name));
+}
+
+template <class Function>
+bool Resolve(void* handle, const char* name, Function& function) {
+    Find(handle, name, function);
     if (function == nullptr) {
         LogMessage("ResolveSymbols", __FILE__, __LINE__, 'W', "Symbol %s not found.", name);
     }
@@ -35,4 +40,6 @@ void CWebKitSymbolResolver::ResolveSymbols() {
     }
     ready = Resolve(handle, "webkit_cookie_manager_get_cookies", getCookies) &&
             Resolve(handle, "webkit_cookie_manager_get_cookies_finish", getCookiesFinish);
+    Find(handle, "webkit_cookie_manager_get_all_cookies", getAllCookies);
+    Find(handle, "webkit_cookie_manager_get_all_cookies_finish", getAllCookiesFinish);
 }

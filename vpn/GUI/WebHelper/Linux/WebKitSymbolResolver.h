@@ -8,6 +8,7 @@ class CWebKitSymbolResolver {
 public:
     using GetCookies = decltype(&webkit_cookie_manager_get_cookies);
     using GetCookiesFinish = decltype(&webkit_cookie_manager_get_cookies_finish);
+    using GetAllCookies = decltype(&webkit_cookie_manager_get_all_cookies);
 
     /// The resolver of the process, made on first use and never again.
     static const CWebKitSymbolResolver& GetInstance();
@@ -15,6 +16,10 @@ public:
     GetCookies getCookies = nullptr;
     GetCookiesFinish getCookiesFinish = nullptr;
     bool ready = false;  ///< true only when both functions were found
+
+    /// Of newer engines only; each null where it is missing, which is worth no word in the log.
+    GetAllCookies getAllCookies = nullptr;
+    GetCookiesFinish getAllCookiesFinish = nullptr;
 
 private:
     CWebKitSymbolResolver();

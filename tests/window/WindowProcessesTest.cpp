@@ -1,0 +1,135 @@
+// The engine's processes die, at every stage of an operation and between two.
+
+#include "EngineProcesses.h"
+#include "WindowTest.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class WindowProcessesTest : public OpenWindowTest {
+protected:
+    WindowProcessesTest() { m_server.ServePage("/good", "good"); }
+
+    [[nodiscard]] std::string Crashed(const std::string& path) const {
+        return "E The web process crashed, URI = " + (path.empty() ? "" : m_server.Url(path));
+    }
+
+    // The next operation works as if nothing had happened.
+    void ExpectGoodPage(std::size_t resultsBefore) {
+        Send(Operation::Browse(m_server.Url("/good"), m_server.Url("/good")));
+        ASSERT_TRUE(WaitForResults(resultsBefore + 1));
+        EXPECT_EQ(Results().back(), "success");
+    }
+};
+
+}  // namespace
+
+TEST_F(WindowProcessesTest, AWebProcessThatDiesBeforeTheCommitEndsTheOperation) {
+    m_server.ServeOnRelease("/hang", {200, "late"});
+    Send(Operation::Browse(m_server.Url("/hang"), m_server.Url("/hang")).Shown());
+    ASSERT_TRUE(WaitForRequest("/hang"));
+    ASSERT_TRUE(KillEngineProcesses(EngineProcess::web));
+    ASSERT_TRUE(WaitForResults(1));
+    EXPECT_THAT(Results(), ElementsAre("error_unknown"));
+    EXPECT_THAT(LogLines(), ElementsAre(Crashed("/hang")));
+    EXPECT_TRUE(RunMainLoopUntil([&] { return !IsShown(); }));
+    ExpectGoodPage(1);
+}
+
+TEST_F(WindowProcessesTest, AWebProcessThatDiesHalfWayThroughABodyEndsTheOperation) {
+    m_server.ServeHalfUntilRelease("/half", {200, std::string(4000, 'x')});
+    Send(Operation::Browse(m_server.Url("/half"), m_server.Url("/half")));
+    ASSERT_TRUE(m_loads.WaitFor("COMMITTED " + m_server.Url("/half")));
+    ASSERT_TRUE(KillEngineProcesses(EngineProcess::web));
+    ASSERT_TRUE(WaitForResults(1));
+    EXPECT_THAT(Results(), ElementsAre("error_unknown"));
+    EXPECT_THAT(LogLines(), ElementsAre(Crashed("/half")));
+    ExpectGoodPage(1);
+}
+
+TEST_F(WindowProcessesTest, AWebProcessThatDiesUnderAnOpenCookieOperationEndsIt) {
+    m_server.ServePage("/page", "no cookie here");
+    Send(Operation::BrowseForCookie(m_server.Url("/page"), m_server.Url("/page"), "sid"));
+    ASSERT_TRUE(m_loads.WaitFor("FINISHED " + m_server.Url("/page")));
+    ASSERT_TRUE(KillEngineProcesses(EngineProcess::web));
+    ASSERT_TRUE(WaitForResults(1));
+    EXPECT_THAT(Results(), ElementsAre("error_unknown"));
+    EXPECT_THAT(LogLines(), ElementsAre(Crashed("/page")));
+    ExpectGoodPage(1);
+}
+
+TEST_F(WindowProcessesTest, AWebProcessThatDiesBetweenOperationsIsLoggedAlone) {
+    ExpectGoodPage(0);
+    ASSERT_TRUE(KillEngineProcesses(EngineProcess::web));
+    ASSERT_TRUE(RunMainLoopUntil([&] { return !LogLines().empty(); }));
+    EXPECT_THAT(LogLines(), ElementsAre(Crashed("/good")));
+    ExpectGoodPage(1);
+    EXPECT_THAT(Results(), ElementsAre("success", "success"));
+}
+
+TEST_F(WindowProcessesTest, ALoadThatIsLostWithTheDyingProcessIsAskedForAgain) {
+    ExpectGoodPage(0);
+    // The main loop does not run in between: the window cannot know yet.
+    ASSERT_TRUE(KillEngineProcesses(EngineProcess::web));
+    m_server.ServePage("/next", "next");
+    Send(Operation::Browse(m_server.Url("/next"), m_server.Url("/next")));
+    ASSERT_TRUE(WaitForResults(2));
+    EXPECT_THAT(Results(), ElementsAre("success", "success"));
+}
+
+TEST_F(WindowProcessesTest, AResetWorksAfterADeath) {
+    ExpectGoodPage(0);
+    ASSERT_TRUE(KillEngineProcesses(EngineProcess::web));
+    ASSERT_TRUE(RunMainLoopUntil([&] { return !LogLines().empty(); }));
+    Send(Operation::OfType(BrowserOperationType::reset));
+    ASSERT_TRUE(WaitForResults(2));
+    ExpectGoodPage(2);
+    EXPECT_THAT(Results(), ElementsAre("success", "ready", "success"));
+}
+
+TEST_F(WindowProcessesTest, EachReasonIsTold) {
+    m_server.ServePage("/page", "hello");
+    Send(Operation::Browse(m_server.Url("/page"), "never"));
+    ASSERT_TRUE(m_loads.WaitFor("FINISHED " + m_server.Url("/page")));
+    // Memory limits cannot be reached in a test's time, so the signal is driven directly.
+    for (const auto reason :
+         {WEBKIT_WEB_PROCESS_EXCEEDED_MEMORY_LIMIT, WEBKIT_WEB_PROCESS_TERMINATED_BY_API}) {
+        g_signal_emit_by_name(View(), "web-process-terminated", reason);
+    }
+    EXPECT_THAT(Results(), ElementsAre("error_unknown"));
+    EXPECT_THAT(
+        LogLines(),
+        ElementsAre("E The web process exceeded its memory limit, URI = " + m_server.Url("/page"),
+                    "E The web process was terminated, URI = " + m_server.Url("/page")));
+}
+
+TEST_F(WindowProcessesTest, ANetworkProcessThatDiesDuringALoadEndsTheOperation) {
+    m_server.ServeOnRelease("/hang", {200, "late"});
+    Send(Operation::Browse(m_server.Url("/hang"), m_server.Url("/hang")));
+    ASSERT_TRUE(WaitForRequest("/hang"));
+    ASSERT_TRUE(KillEngineProcesses(EngineProcess::network));
+    ASSERT_TRUE(WaitForResults(1));
+    EXPECT_THAT(Results(), ElementsAre("error_unknown"));
+    ExpectGoodPage(1);
+}
+
+TEST_F(WindowProcessesTest, ANetworkProcessThatDiesHalfWayThroughABodyEndsTheOperation) {
+    m_server.ServeHalfUntilRelease("/half", {200, std::string(4000, 'x')});
+    Send(Operation::Browse(m_server.Url("/half"), m_server.Url("/half")));
+    ASSERT_TRUE(m_loads.WaitFor("COMMITTED " + m_server.Url("/half")));
+    ASSERT_TRUE(KillEngineProcesses(EngineProcess::network));
+    ASSERT_TRUE(WaitForResults(1));
+    EXPECT_THAT(Results(), ElementsAre("error_unknown"));
+    ExpectGoodPage(1);
+}
+
+TEST_F(WindowProcessesTest, ANetworkProcessThatDiesBetweenOperationsIsReplaced) {
+    ExpectGoodPage(0);
+    ASSERT_TRUE(KillEngineProcesses(EngineProcess::network));
+    ASSERT_TRUE(
+        RunMainLoopUntil([] { return FindEngineProcesses(EngineProcess::network).empty(); }));
+    ExpectGoodPage(1);
+    EXPECT_THAT(Results(), ElementsAre("success", "success"));
+}

@@ -1,0 +1,186 @@
+// Cookies that the engine keeps out of the headers, found in its store as soon as the page that
+// brought them answers: the operation's final page never comes here.
+
+#include "WindowTest.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class WindowStoredCookiesTest : public OpenWindowTest {
+protected:
+    void ServeWithCookies(const std::string& path, const std::vector<std::string>& cookies,
+                          const std::string& body = "hello",
+                          const std::string& type = "text/html") {
+        HttpResponse response{200, body, type};
+        for (const std::string& cookie : cookies) {
+            response.headers.emplace_back("Set-Cookie", cookie);
+        }
+        m_server.Serve(path, response);
+    }
+
+    // An operation for "sid", or the error "err", whose final page is never reached.
+    void BrowseFrom(const std::string& url) {
+        Send(Operation::BrowseForCookie(url, m_server.Url("/never"), "sid", "err").Shown());
+    }
+
+    // A page of another host has finished, and so everything of the page before is decided: the
+    // engine answers queries in order.
+    void Settle() {
+        m_server.ServePage("/settled", "settled");
+        const std::string url = m_server.Url("/settled", "localhost");
+        webkit_web_view_load_uri(View(), url.c_str());
+        ASSERT_TRUE(m_loads.WaitFor("FINISHED " + url));
+        bool answered = false;
+        webkit_cookie_manager_get_cookies(
+            webkit_web_context_get_cookie_manager(webkit_web_view_get_context(View())), url.c_str(),
+            nullptr,
+            [](GObject* manager, GAsyncResult* result, gpointer flag) {
+                g_list_free_full(
+                    webkit_cookie_manager_get_cookies_finish(WEBKIT_COOKIE_MANAGER(manager), result,
+                                                             nullptr),
+                    [](gpointer cookie) { soup_cookie_free(static_cast<SoupCookie*>(cookie)); });
+                *static_cast<bool*>(flag) = true;
+            },
+            &answered);
+        ASSERT_TRUE(RunMainLoopUntil([&] { return answered; }));
+    }
+};
+
+}  // namespace
+
+TEST_F(WindowStoredCookiesTest, ACookieOfAnIntermediatePageIsASuccess) {
+    ServeWithCookies("/page", {"sid=abc; Path=/"});
+    BrowseFrom(m_server.Url("/page"));
+    ASSERT_TRUE(WaitForResults(1));
+    Settle();
+    EXPECT_THAT(Results(), ElementsAre("success_with_cookie abc"));
+    EXPECT_THAT(LogLines(), IsEmpty());
+    EXPECT_FALSE(IsShown());
+}
+
+TEST_F(WindowStoredCookiesTest, AStaleCookieEndsNothingBeforeTheSignIn) {
+    ServeWithCookies("/lastweek", {"sid=stale; Path=/"});
+    Send(Operation::Browse(m_server.Url("/lastweek"), m_server.Url("/lastweek")));
+    ASSERT_TRUE(WaitForResults(1));
+    // The login page sets a cookie too, so the store is looked at.
+    ServeWithCookies("/login", {"csrf=1; Path=/"});
+    ServeWithCookies("/welcome", {"sid=fresh; Path=/"});
+    BrowseFrom(m_server.Url("/login"));
+    ASSERT_TRUE(m_loads.WaitFor("FINISHED " + m_server.Url("/login")));
+    Settle();
+    EXPECT_THAT(Results(), ElementsAre("success"));
+    webkit_web_view_load_uri(View(), m_server.Url("/welcome").c_str());
+    ASSERT_TRUE(WaitForResults(2));
+    EXPECT_THAT(Results(), ElementsAre("success", "success_with_cookie fresh"));
+}
+
+TEST_F(WindowStoredCookiesTest, TheSameValueSetAgainIsNoMatch) {
+    ServeWithCookies("/page", {"sid=abc; Path=/"});
+    Send(Operation::Browse(m_server.Url("/page"), m_server.Url("/page")));
+    ASSERT_TRUE(WaitForResults(1));
+    BrowseFrom(m_server.Url("/page"));
+    ASSERT_TRUE(m_loads.WaitFor("FINISHED " + m_server.Url("/page"), 2));
+    Settle();
+    EXPECT_THAT(Results(), ElementsAre("success"));
+}
+
+TEST_F(WindowStoredCookiesTest, ACookieOfAnImageEndsNothing) {
+    ServeWithCookies("/picture", {"sid=abc; Path=/"}, "<svg xmlns='http://www.w3.org/2000/svg'/>",
+                     "image/svg+xml");
+    m_server.ServePage("/page", "<img src='/picture'>");
+    BrowseFrom(m_server.Url("/page"));
+    ASSERT_TRUE(m_loads.WaitFor("FINISHED " + m_server.Url("/page")));
+    ASSERT_TRUE(WaitForRequest("/picture"));
+    Settle();
+    EXPECT_THAT(Results(), IsEmpty());
+}
+
+TEST_F(WindowStoredCookiesTest, ACookieOfAnotherHostEndsNothing) {
+    ServeWithCookies("/page", {"sid=abc; Path=/"});
+    BrowseFrom(m_server.Url("/page", "localhost"));
+    ASSERT_TRUE(m_loads.WaitFor("FINISHED " + m_server.Url("/page", "localhost")));
+    Settle();
+    EXPECT_THAT(Results(), IsEmpty());
+}
+
+TEST_F(WindowStoredCookiesTest, ACookieOfARedirectIsFoundWithThePageBehindIt) {
+    m_server.Serve("/start",
+                   {302, "", "", {{"Location", "/page"}, {"Set-Cookie", "sid=abc; Path=/"}}});
+    m_server.ServePage("/page", "hello");
+    BrowseFrom(m_server.Url("/start"));
+    ASSERT_TRUE(WaitForResults(1));
+    EXPECT_THAT(Results(), ElementsAre("success_with_cookie abc"));
+}
+
+TEST_F(WindowStoredCookiesTest, ACookieThatScriptsMayNotSeeIsFound) {
+    ServeWithCookies("/page", {"sid=abc; Path=/; HttpOnly"});
+    BrowseFrom(m_server.Url("/page"));
+    ASSERT_TRUE(WaitForResults(1));
+    EXPECT_THAT(Results(), ElementsAre("success_with_cookie abc"));
+}
+
+TEST_F(WindowStoredCookiesTest, TheCookieIsFoundAmongTwoOfOneResponse) {
+    ServeWithCookies("/page", {"theme=dark; Path=/", "sid=abc; Path=/"});
+    BrowseFrom(m_server.Url("/page"));
+    ASSERT_TRUE(WaitForResults(1));
+    EXPECT_THAT(Results(), ElementsAre("success_with_cookie abc"));
+}
+
+TEST_F(WindowStoredCookiesTest, TheErrorCookieIsReportedWithItsValue) {
+    ServeWithCookies("/page", {"err=denied; Path=/"});
+    BrowseFrom(m_server.Url("/page"));
+    ASSERT_TRUE(WaitForResults(1));
+    EXPECT_THAT(Results(), ElementsAre("error_cookie denied"));
+    EXPECT_THAT(LogLines(), IsEmpty());
+}
+
+TEST_F(WindowStoredCookiesTest, TheCookieCountsBeforeTheErrorCookie) {
+    ServeWithCookies("/page", {"err=denied; Path=/", "sid=abc; Path=/"});
+    BrowseFrom(m_server.Url("/page"));
+    ASSERT_TRUE(WaitForResults(1));
+    EXPECT_THAT(Results(), ElementsAre("success_with_cookie abc"));
+}
+
+TEST_F(WindowStoredCookiesTest, NamesAreExactAndValuesNotEmpty) {
+    ServeWithCookies("/page", {"SID=1; Path=/", "sid2=2; Path=/", "sid=; Path=/"});
+    BrowseFrom(m_server.Url("/page"));
+    ASSERT_TRUE(m_loads.WaitFor("FINISHED " + m_server.Url("/page")));
+    Settle();
+    EXPECT_THAT(Results(), IsEmpty());
+    EXPECT_THAT(LogLines(), IsEmpty());
+}
+
+TEST_F(WindowStoredCookiesTest, APageThatIsNoHtmlEndsNothing) {
+    ServeWithCookies("/page", {"sid=abc; Path=/"}, "{}", "application/json");
+    BrowseFrom(m_server.Url("/page"));
+    ASSERT_TRUE(m_loads.WaitFor("FINISHED " + m_server.Url("/page")));
+    Settle();
+    EXPECT_THAT(Results(), IsEmpty());
+}
+
+TEST_F(WindowStoredCookiesTest, EachOperationGetsItsOwnCookieOnce) {
+    constexpr int kOperations = 50;
+    for (int number = 0; number < kOperations; ++number) {
+        const std::string path = "/page" + std::to_string(number);
+        ServeWithCookies(path, {"sid=v" + std::to_string(number) + "; Path=/"});
+    }
+    int sent = 0;
+    // The final page is the one with the cookie: both ways of finding it run at once.
+    const auto sendNext = [&] {
+        if (sent < kOperations) {
+            const std::string url = m_server.Url("/page" + std::to_string(sent++));
+            Send(Operation::BrowseForCookie(url, url, "sid"));
+        }
+    };
+    OnResult(sendNext);
+    sendNext();
+    ASSERT_TRUE(WaitForResults(kOperations));
+    for (int number = 0; number < kOperations; ++number) {
+        EXPECT_EQ(Results()[static_cast<std::size_t>(number)],
+                  "success_with_cookie v" + std::to_string(number));
+    }
+    Settle();
+    EXPECT_EQ(Results().size(), static_cast<std::size_t>(kOperations));
+}

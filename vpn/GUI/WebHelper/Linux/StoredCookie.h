@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+
+/// A cookie as the engine's store has it. Its value is a secret: it is never logged.
+struct StoredCookie {
+    std::string name;
+    std::string value;
+    std::string domain;
+    std::string path;
+};
+
+inline bool operator==(const StoredCookie& left, const StoredCookie& right) {
+    return left.name == right.name && left.value == right.value && left.domain == right.domain &&
+           left.path == right.path;
+}
