@@ -1,6 +1,8 @@
 // Cookies that the engine keeps out of the headers, found in its store as soon as the page that
 // brought them answers: the operation's final page never comes here.
 
+#include "Certificates.h"
+#include "CookieQueries.h"
 #include "WindowTest.h"
 
 namespace {
@@ -32,19 +34,7 @@ protected:
         const std::string url = m_server.Url("/settled", "localhost");
         webkit_web_view_load_uri(View(), url.c_str());
         ASSERT_TRUE(m_loads.WaitFor("FINISHED " + url));
-        bool answered = false;
-        webkit_cookie_manager_get_cookies(
-            webkit_web_context_get_cookie_manager(webkit_web_view_get_context(View())), url.c_str(),
-            nullptr,
-            [](GObject* manager, GAsyncResult* result, gpointer flag) {
-                g_list_free_full(
-                    webkit_cookie_manager_get_cookies_finish(WEBKIT_COOKIE_MANAGER(manager), result,
-                                                             nullptr),
-                    [](gpointer cookie) { soup_cookie_free(static_cast<SoupCookie*>(cookie)); });
-                *static_cast<bool*>(flag) = true;
-            },
-            &answered);
-        ASSERT_TRUE(RunMainLoopUntil([&] { return answered; }));
+        ASSERT_TRUE(WaitForCookieQueries(View()));
     }
 };
 
@@ -160,18 +150,16 @@ TEST_F(WindowStoredCookiesTest, APageThatIsNoHtmlEndsNothing) {
     EXPECT_THAT(Results(), IsEmpty());
 }
 
-TEST_F(WindowStoredCookiesTest, EachOperationGetsItsOwnCookieOnce) {
+TEST_F(WindowStoredCookiesTest, AQuickAgentGetsEachOperationsOwnCookie) {
     constexpr int kOperations = 50;
     for (int number = 0; number < kOperations; ++number) {
         const std::string path = "/page" + std::to_string(number);
         ServeWithCookies(path, {"sid=v" + std::to_string(number) + "; Path=/"});
     }
     int sent = 0;
-    // The final page is the one with the cookie: both ways of finding it run at once.
     const auto sendNext = [&] {
         if (sent < kOperations) {
-            const std::string url = m_server.Url("/page" + std::to_string(sent++));
-            Send(Operation::BrowseForCookie(url, url, "sid"));
+            BrowseFrom(m_server.Url("/page" + std::to_string(sent++)));
         }
     };
     OnResult(sendNext);
@@ -183,4 +171,23 @@ TEST_F(WindowStoredCookiesTest, EachOperationGetsItsOwnCookieOnce) {
     }
     Settle();
     EXPECT_EQ(Results().size(), static_cast<std::size_t>(kOperations));
+}
+
+TEST_F(WindowStoredCookiesTest, ACookieThatIsFoundOnBothWaysCountsOnce) {
+    ServeWithCookies("/page", {"sid=abc; Path=/"});
+    const std::string url = m_server.Url("/page");
+    Send(Operation::BrowseForCookie(url, url, "sid"));
+    ASSERT_TRUE(m_loads.WaitFor("FINISHED " + url));
+    ASSERT_TRUE(WaitForResults(1));
+    Settle();
+    EXPECT_THAT(Results(), ElementsAre("success_with_cookie abc"));
+}
+
+TEST_F(WindowStoredCookiesTest, ACookieForSecureConnectionsIsFound) {
+    HttpServer secure(TestCertificate("good"));
+    secure.Serve("/page",
+                 {200, "hello", "text/html", {{"Set-Cookie", "sid=abc; Path=/; Secure"}}});
+    Send(Operation::BrowseForCookie(secure.Url("/page"), secure.Url("/never"), "sid"));
+    ASSERT_TRUE(WaitForResults(1));
+    EXPECT_THAT(Results(), ElementsAre("success_with_cookie abc"));
 }

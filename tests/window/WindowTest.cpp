@@ -53,6 +53,9 @@ void WindowTest::Shut() {
     // An operation that is still queued needs the window.
     RunPendingEvents();
     GtkWidget* const window = GTK_WIDGET(Window());
+    // Kept for good: the engine crashes when a context ends before a cookie query is answered.
+    // The program never gets there, since its main loop has ended by then.
+    g_object_ref(webkit_web_view_get_context(View()));
     m_browser.reset();
     gtk_widget_destroy(window);
     m_application.reset();
