@@ -37,7 +37,8 @@ private:
     struct Query;
     struct Alive {};
 
-    [[nodiscard]] std::unique_ptr<Query> makeQuery(Answer answer, CWebKitSymbolResolver::GetCookiesFinish finish) const;
+    [[nodiscard]] std::unique_ptr<Query> makeQuery(
+        Answer answer, CWebKitSymbolResolver::GetCookiesFinish finish) const;
 
     static void getCookiesAsyncReadyCB(GObject* manager, GAsyncResult* result, gpointer query);
 

@@ -46,6 +46,13 @@ guint LongestTimeoutAtMost(std::uint32_t seconds) {
     return std::min<guint>(seconds, std::numeric_limits<guint>::max() / 1000);
 }
 
+void RemoveSource(guint& source) {
+    if (source != 0) {
+        g_source_remove(source);
+        source = 0;
+    }
+}
+
 const char* TerminationText(WebKitWebProcessTerminationReason reason) {
     switch (reason) {
         case WEBKIT_WEB_PROCESS_CRASHED:
@@ -71,7 +78,8 @@ GtkBrowserWindow::GtkBrowserWindow(GtkApplication* application, ResultHandler re
 }
 
 GtkBrowserWindow::~GtkBrowserWindow() {
-    removeTimeout();
+    RemoveSource(m_timeoutSource);
+    RemoveSource(m_lostLoadSource);
     g_signal_handlers_disconnect_by_data(m_webView.get(), this);
     g_signal_handlers_disconnect_by_data(m_window.get(), this);
     g_signal_handlers_disconnect_by_data(m_cookieManager, this);
@@ -141,6 +149,7 @@ void GtkBrowserWindow::connectWebViewSignals() {
         {"resource-load-started", G_CALLBACK(onResourceLoadStarted)},
         {"decide-policy", G_CALLBACK(onDecidePolicy)},
         {"web-process-terminated", G_CALLBACK(webProcessTerminatedCB)},
+        {"notify::is-loading", G_CALLBACK(isLoadingChangedCB)},
     };
     for (const auto& [signal, handler] : handlers) {
         g_signal_connect(m_webView.get(), signal, handler, this);
@@ -214,18 +223,22 @@ void GtkBrowserWindow::LoadPage(const std::string& url, const std::string& final
     m_cookieName = cookieName;
     m_errorCookieName = errorCookieName;
     ++m_operationNumber;
-    m_awaitingLoadStart = true;
     m_loadRepeated = false;
     beginCookieWatch();
     if (!userAgent.empty()) {
         updateUserAgent(userAgent);
     }
-    webkit_web_view_load_uri(m_webView.get(), m_url.c_str());
+    askForLoad();
     if (timeout != 0) {
         // An earlier timeout is overwritten and still fires: it ends whatever runs then.
         m_timeoutSource =
             gdk_threads_add_timeout_seconds(LongestTimeoutAtMost(timeout), onLoadTimeout, this);
     }
+}
+
+void GtkBrowserWindow::askForLoad() {
+    m_loadPhase = LoadPhase::asked;
+    webkit_web_view_load_uri(m_webView.get(), m_url.c_str());
 }
 
 void GtkBrowserWindow::updateUserAgent(const std::string& userAgent) {
@@ -255,14 +268,14 @@ void GtkBrowserWindow::ResetBrowser() {
     gtk_container_remove(GTK_CONTAINER(m_window.get()), GTK_WIDGET(m_webView.get()));
     m_webView.reset();
     m_resultSent = false;
-    m_awaitingLoadStart = false;
+    m_loadPhase = LoadPhase::over;
     initWebView();
     CBrowserResult ready(BrowserResultType::ready, "");
     SendResult(ready, false);
 }
 
 void GtkBrowserWindow::SendResult(CBrowserResult& result, bool resultSentAfter) {
-    removeTimeout();
+    RemoveSource(m_timeoutSource);
     // The flag has its new value before the handler is called: an agent may answer a result with
     // its next operation at once, and that operation's clearing must come last.
     if (m_resultSent.exchange(resultSentAfter)) {
@@ -280,26 +293,22 @@ void GtkBrowserWindow::sendFinalResult(BrowserResultType type, const std::string
     SendResult(result, true);
 }
 
-void GtkBrowserWindow::removeTimeout() {
-    if (m_timeoutSource != 0) {
-        g_source_remove(m_timeoutSource);
-        m_timeoutSource = 0;
-    }
-}
-
 void GtkBrowserWindow::webViewLoadChangedCB(WebKitWebView* webView, WebKitLoadEvent event,
                                             GtkBrowserWindow* self) {
+    const bool loadAsked = self->m_loadPhase == LoadPhase::asked;
     if (event == WEBKIT_LOAD_STARTED) {
-        self->m_awaitingLoadStart = false;
+        self->m_loadPhase = loadAsked ? LoadPhase::started : LoadPhase::over;
         webkit_web_view_set_zoom_level(webView, 1.0);
-    }
-    // A load that replaces another first brings the other's end, which already bears the new URI.
-    if (self->m_awaitingLoadStart) {
         return;
     }
+    // A load that replaces another first brings the other's end, which already bears the new URI.
+    if (loadAsked || event == WEBKIT_LOAD_REDIRECTED) {
+        return;
+    }
+    self->m_loadPhase = LoadPhase::over;
     if (event == WEBKIT_LOAD_COMMITTED) {
         self->pageCommitted();
-    } else if (event == WEBKIT_LOAD_FINISHED) {
+    } else {
         self->pageFinished();
     }
 }
@@ -431,7 +440,7 @@ void GtkBrowserWindow::onResourceLoadStarted(WebKitWebView* /*webView*/,
 void GtkBrowserWindow::onResourceResponse(WebKitWebResource* resource, GParamSpec* /*property*/,
                                           GtkBrowserWindow* self) {
     WebKitURIResponse* const response = webkit_web_resource_get_response(resource);
-    if (self->m_awaitingLoadStart || response == nullptr ||
+    if (self->m_loadPhase == LoadPhase::asked || response == nullptr ||
         !IsCookieBearingResponse(webkit_uri_response_get_status_code(response),
                                  webkit_uri_response_get_mime_type(response))) {
         return;
@@ -467,9 +476,10 @@ gboolean GtkBrowserWindow::webViewLoadFailedCB(WebKitWebView* /*webView*/,
     if (failure == LoadFailure::cancelled) {
         return FALSE;
     }
-    if (self->m_awaitingLoadStart) {
+    if (self->m_loadPhase == LoadPhase::asked) {
         return TRUE;
     }
+    self->m_loadPhase = LoadPhase::over;
     TK_LOG_ERROR("Failed to load page: %s, URI = %s", error->message, failingUri);
     if (failure == LoadFailure::failed) {
         self->sendFinalResult(BrowserResultType::error_unknown);
@@ -482,7 +492,8 @@ gboolean GtkBrowserWindow::webViewLoadFailedWithTLSErrorsCB(WebKitWebView* /*web
                                                             GTlsCertificate* /*certificate*/,
                                                             GTlsCertificateFlags errors,
                                                             GtkBrowserWindow* self) {
-    if (!self->m_awaitingLoadStart) {
+    if (self->m_loadPhase != LoadPhase::asked) {
+        self->m_loadPhase = LoadPhase::over;
         TK_LOG_ERROR("Failed to load page: %s", TlsErrorsToText(errors).c_str());
         self->sendFinalResult(BrowserResultType::error_cert);
     }
@@ -495,14 +506,43 @@ void GtkBrowserWindow::webProcessTerminatedCB(WebKitWebView* webView,
     const char* const uri = webkit_web_view_get_uri(webView);
     TK_LOG_ERROR("The web process %s, URI = %s", TerminationText(reason),
                  uri != nullptr ? uri : "");
-    // A load that was asked for while the process was already dying is lost with it: it is asked
-    // for once more, in a new process. A page that takes its process down ends the operation.
-    if (self->m_awaitingLoadStart && !self->m_loadRepeated) {
-        self->m_loadRepeated = true;
-        webkit_web_view_load_uri(webView, self->m_url.c_str());
+    if (self->m_loadPhase == LoadPhase::asked) {
+        // It was asked for while the process was already dying, and is lost with it.
+        self->repeatLostLoad();
         return;
     }
+    self->m_loadPhase = LoadPhase::over;
     self->sendFinalResult(BrowserResultType::error_unknown);
+}
+
+void GtkBrowserWindow::repeatLostLoad() {
+    if (m_loadRepeated) {
+        sendFinalResult(BrowserResultType::error_unknown);
+        return;
+    }
+    m_loadRepeated = true;
+    askForLoad();
+}
+
+// The engine can lose a load that takes the place of another while its first process is still
+// starting: the load starts, and then the view stops loading without a word of how it ended.
+void GtkBrowserWindow::isLoadingChangedCB(WebKitWebView* webView, GParamSpec* /*property*/,
+                                          GtkBrowserWindow* self) {
+    RemoveSource(self->m_lostLoadSource);
+    if (self->m_loadPhase == LoadPhase::started && !webkit_web_view_is_loading(webView)) {
+        // An end that is told comes right behind this.
+        self->m_lostLoadSource = g_idle_add(lookForLostLoadCB, self);
+    }
+}
+
+gboolean GtkBrowserWindow::lookForLostLoadCB(gpointer window) {
+    auto* const self = static_cast<GtkBrowserWindow*>(window);
+    self->m_lostLoadSource = 0;
+    if (self->m_loadPhase == LoadPhase::started) {
+        TK_LOG_WARNING("The engine lost a load, URI = %s", self->m_url.c_str());
+        self->repeatLostLoad();
+    }
+    return G_SOURCE_REMOVE;
 }
 
 gboolean GtkBrowserWindow::onDecidePolicy(WebKitWebView* webView, WebKitPolicyDecision* decision,

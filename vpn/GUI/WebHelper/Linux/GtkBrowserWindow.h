@@ -51,6 +51,12 @@ public:
 
 private:
     struct QueuedOperation;
+    /// How far the load is that the operation itself has asked for.
+    enum class LoadPhase {
+        asked,    ///< whatever the engine tells is of the load before
+        started,  ///< nothing has come of it yet
+        over,     ///< it has been committed, has ended, or there is none
+    };
 
     void init(GtkApplication* application);
     void initCookieStorage();
@@ -61,7 +67,8 @@ private:
 
     void SendResult(CBrowserResult& result, bool resultSentAfter);
     void sendFinalResult(BrowserResultType type, const std::string& cookieValue = "");
-    void removeTimeout();
+    void askForLoad();
+    void repeatLostLoad();
     void pageCommitted();
     void pageFinished();
     void queryCookies(const char* uri);
@@ -87,6 +94,9 @@ private:
     static void webProcessTerminatedCB(WebKitWebView* webView,
                                        WebKitWebProcessTerminationReason reason,
                                        GtkBrowserWindow* self);
+    static void isLoadingChangedCB(WebKitWebView* webView, GParamSpec* property,
+                                   GtkBrowserWindow* self);
+    static gboolean lookForLostLoadCB(gpointer self);
     static void cookiesChangedCB(WebKitCookieManager* manager, GtkBrowserWindow* self);
     static void onResourceLoadStarted(WebKitWebView* webView, WebKitWebResource* resource,
                                       WebKitURIRequest* request, GtkBrowserWindow* self);
@@ -114,10 +124,10 @@ private:
     guint m_timeoutSource = 0;
     // Cleared by the thread that queues an operation, set when its result is delivered.
     std::atomic<bool> m_resultSent{false};
-    // From an operation's asking for its load until that load starts.
-    bool m_awaitingLoadStart = false;
+    LoadPhase m_loadPhase = LoadPhase::over;
     // The operation's load has been asked for once more, since the first was lost.
     bool m_loadRepeated = false;
+    guint m_lostLoadSource = 0;
     // Tells the answer of an earlier operation's cookie query from one of this operation's: it
     // changes when an operation asks for its load, and when a result is delivered.
     std::uint64_t m_operationNumber = 0;
