@@ -1,0 +1,207 @@
+#include "ScriptedEngine.h"
+
+#include <libsoup/soup.h>
+
+#include <algorithm>
+
+ScriptedEngine& ScriptedEngine::Instance() {
+    static ScriptedEngine engine;
+    return engine;
+}
+
+void ScriptedEngine::Start() {
+    g_clear_object(&m_resource);
+    *this = ScriptedEngine();
+}
+
+void ScriptedEngine::SetLoading(bool loading) {
+    m_loading = loading;
+    g_object_notify(G_OBJECT(m_view), "is-loading");
+}
+
+void ScriptedEngine::TellLoadChanged(WebKitLoadEvent event, guint status) {
+    m_response.status = status;
+    g_signal_emit_by_name(m_view, "load-changed", event);
+}
+
+void ScriptedEngine::TellLoadFailed(GQuark domain, int code) {
+    GError* error = g_error_new_literal(domain, code, "a failure");
+    gboolean handled = FALSE;
+    g_signal_emit_by_name(m_view, "load-failed", WEBKIT_LOAD_STARTED, m_uri.c_str(), error,
+                          &handled);
+    g_error_free(error);
+}
+
+void ScriptedEngine::TellTlsFailed() {
+    gboolean handled = FALSE;
+    g_signal_emit_by_name(m_view, "load-failed-with-tls-errors", m_uri.c_str(), nullptr,
+                          G_TLS_CERTIFICATE_EXPIRED, &handled);
+}
+
+void ScriptedEngine::TellResourceStarted(const std::string& uri) {
+    g_clear_object(&m_resource);
+    m_resource = WEBKIT_WEB_RESOURCE(g_object_new(WEBKIT_TYPE_WEB_RESOURCE, nullptr));
+    WebKitURIRequest* const request = webkit_uri_request_new(uri.c_str());
+    g_signal_emit_by_name(m_view, "resource-load-started", m_resource, request);
+    g_object_unref(request);
+}
+
+void ScriptedEngine::TellResponse(const Response& response) {
+    m_response = response;
+    g_object_notify(G_OBJECT(m_resource), "response");
+}
+
+void ScriptedEngine::TellCookiesChanged() {
+    g_signal_emit_by_name(m_cookieManager, "changed");
+}
+
+void ScriptedEngine::TellProcessTerminated() {
+    g_signal_emit_by_name(m_view, "web-process-terminated", WEBKIT_WEB_PROCESS_CRASHED);
+}
+
+void ScriptedEngine::AnswerQuery(const std::optional<Cookies>& cookies) {
+    m_answer = cookies;
+    const Query query = m_queries.front();
+    m_queries.pop_front();
+    query.callback(G_OBJECT(query.manager), nullptr, query.data);
+}
+
+bool ScriptedEngine::IsTimeoutArmed() {
+    m_timeouts.erase(
+        std::remove_if(
+            m_timeouts.begin(), m_timeouts.end(),
+            [](guint id) { return g_main_context_find_source_by_id(nullptr, id) == nullptr; }),
+        m_timeouts.end());
+    return !m_timeouts.empty();
+}
+
+void ScriptedEngine::FireTimeout() {
+    const guint id = m_timeouts.front();
+    g_source_set_ready_time(g_main_context_find_source_by_id(nullptr, id), 0);
+    while (g_main_context_find_source_by_id(nullptr, id) != nullptr) {
+        g_main_context_iteration(nullptr, TRUE);
+    }
+}
+
+/// What the engine's functions do here.
+struct ScriptedEngineFunctions {
+    static ScriptedEngine& Engine() { return ScriptedEngine::Instance(); }
+
+    static void Load(WebKitWebView* view, const char* uri) {
+        Engine().m_view = view;
+        Engine().m_uri = uri;
+        Engine().m_loads.emplace_back(uri);
+    }
+
+    static const char* Uri() { return Engine().m_uri.c_str(); }
+    static bool IsLoading() { return Engine().m_loading; }
+    static void Forget() { Engine().m_uri.clear(); }
+    static WebKitWebResource* Resource() { return Engine().m_resource; }
+    static const ScriptedEngine::Response& CurrentResponse() { return Engine().m_response; }
+
+    static void AddQuery(WebKitCookieManager* manager, GAsyncReadyCallback callback,
+                         gpointer data) {
+        Engine().m_queries.push_back({manager, callback, data});
+    }
+
+    static void SetCookieManager(WebKitCookieManager* manager) {
+        Engine().m_cookieManager = manager;
+    }
+
+    static GList* FinishQuery(GError** error) {
+        if (!Engine().m_answer) {
+            g_set_error_literal(error, G_IO_ERROR, G_IO_ERROR_FAILED, "a failure");
+            return nullptr;
+        }
+        GList* list = nullptr;
+        for (const auto& [name, value] : *Engine().m_answer) {
+            list = g_list_append(
+                list, soup_cookie_new(name.c_str(), value.c_str(), "127.0.0.1", "/", -1));
+        }
+        return list;
+    }
+
+    static guint AddTimeout(GSourceFunc function, gpointer data) {
+        // It comes when a test says so, not by the clock.
+        constexpr guint kNeverSeconds = 100'000;
+        const guint id = g_timeout_add_seconds(kNeverSeconds, function, data);
+        Engine().m_timeouts.push_back(id);
+        return id;
+    }
+};
+
+extern "C" {
+
+void webkit_web_view_load_uri(WebKitWebView* view, const gchar* uri) {
+    ScriptedEngineFunctions::Load(view, uri);
+}
+
+void webkit_web_view_stop_loading(WebKitWebView* /*view*/) {
+    ScriptedEngineFunctions::Forget();
+}
+
+const gchar* webkit_web_view_get_uri(WebKitWebView* /*view*/) {
+    return ScriptedEngineFunctions::Uri();
+}
+
+gboolean webkit_web_view_is_loading(WebKitWebView* /*view*/) {
+    return ScriptedEngineFunctions::IsLoading() ? TRUE : FALSE;
+}
+
+WebKitWebResource* webkit_web_view_get_main_resource(WebKitWebView* /*view*/) {
+    return ScriptedEngineFunctions::Resource();
+}
+
+WebKitURIResponse* webkit_web_resource_get_response(WebKitWebResource* resource) {
+    // Never looked into but by the functions below.
+    return reinterpret_cast<WebKitURIResponse*>(resource);
+}
+
+guint webkit_uri_response_get_status_code(WebKitURIResponse* /*response*/) {
+    return ScriptedEngineFunctions::CurrentResponse().status;
+}
+
+const gchar* webkit_uri_response_get_mime_type(WebKitURIResponse* /*response*/) {
+    return ScriptedEngineFunctions::CurrentResponse().type.c_str();
+}
+
+const gchar* webkit_uri_response_get_uri(WebKitURIResponse* /*response*/) {
+    return ScriptedEngineFunctions::CurrentResponse().uri.c_str();
+}
+
+SoupMessageHeaders* webkit_uri_response_get_http_headers(WebKitURIResponse* /*response*/) {
+    return nullptr;
+}
+
+void webkit_cookie_manager_set_accept_policy(WebKitCookieManager* manager,
+                                             WebKitCookieAcceptPolicy /*policy*/) {
+    ScriptedEngineFunctions::SetCookieManager(manager);
+}
+
+void webkit_cookie_manager_get_cookies(WebKitCookieManager* manager, const gchar* /*uri*/,
+                                       GCancellable* /*cancellable*/, GAsyncReadyCallback callback,
+                                       gpointer data) {
+    ScriptedEngineFunctions::AddQuery(manager, callback, data);
+}
+
+void webkit_cookie_manager_get_all_cookies(WebKitCookieManager* manager,
+                                           GCancellable* /*cancellable*/,
+                                           GAsyncReadyCallback callback, gpointer data) {
+    ScriptedEngineFunctions::AddQuery(manager, callback, data);
+}
+
+GList* webkit_cookie_manager_get_cookies_finish(WebKitCookieManager* /*manager*/,
+                                                GAsyncResult* /*result*/, GError** error) {
+    return ScriptedEngineFunctions::FinishQuery(error);
+}
+
+GList* webkit_cookie_manager_get_all_cookies_finish(WebKitCookieManager* /*manager*/,
+                                                    GAsyncResult* /*result*/, GError** error) {
+    return ScriptedEngineFunctions::FinishQuery(error);
+}
+
+guint gdk_threads_add_timeout_seconds(guint /*interval*/, GSourceFunc function, gpointer data) {
+    return ScriptedEngineFunctions::AddTimeout(function, data);
+}
+
+}  // extern "C"

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <gtk/gtk.h>
+#include <webkit2/webkit2.h>
+
+#include <deque>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+/// Stands where the engine stands, in a program whose own functions take the place of the
+/// engine's: nothing is loaded, and a view hears of a load only what a test tells it, when the
+/// test tells it. The views and the context are the engine's own, but never get a process.
+class ScriptedEngine {
+public:
+    using Cookies = std::vector<std::pair<std::string, std::string>>;
+
+    /// What the response at hand says.
+    struct Response {
+        guint status = 200;
+        std::string type = "text/html";
+        std::string uri;
+    };
+
+    static ScriptedEngine& Instance();
+
+    /// Takes every view that is made from here on, and forgets all that was.
+    void Start();
+
+    // What the window has asked for.
+    [[nodiscard]] const std::vector<std::string>& Loads() const { return m_loads; }
+    [[nodiscard]] std::size_t UnansweredQueries() const { return m_queries.size(); }
+    [[nodiscard]] bool IsTimeoutArmed();
+
+    // What the view shows when asked.
+    void SetUri(const std::string& uri) { m_uri = uri; }
+    void SetLoading(bool loading);
+
+    // What the view is told. Each runs the window's handlers before it returns.
+    void TellLoadChanged(WebKitLoadEvent event, guint status = 200);
+    void TellLoadFailed(GQuark domain, int code);
+    void TellTlsFailed();
+    void TellResourceStarted(const std::string& uri);
+    void TellResponse(const Response& response);
+    void TellCookiesChanged();
+    void TellProcessTerminated();
+    /// Answers the oldest query: with these cookies, or with an error.
+    void AnswerQuery(const std::optional<Cookies>& cookies);
+    /// Lets the timeout come that was armed first and has not been taken away.
+    void FireTimeout();
+
+private:
+    friend struct ScriptedEngineFunctions;
+
+    struct Query {
+        WebKitCookieManager* manager;
+        GAsyncReadyCallback callback;
+        gpointer data;
+    };
+
+    WebKitWebView* m_view = nullptr;
+    WebKitCookieManager* m_cookieManager = nullptr;
+    WebKitWebResource* m_resource = nullptr;
+    Response m_response;
+    std::string m_uri;
+    bool m_loading = false;
+    std::vector<std::string> m_loads;
+    std::deque<Query> m_queries;
+    std::optional<Cookies> m_answer;
+    std::vector<guint> m_timeouts;
+};
