@@ -162,6 +162,18 @@ TEST_F(WindowCookieAnswersTest, AnAnswerOfAnEarlierOperationIsDroppedAfterAReset
     EXPECT_THAT(Results(), ElementsAre("ready"));
 }
 
+TEST_F(WindowCookieAnswersTest, AnAnswerAfterTheUsersClosingIsNotTheNextOnes) {
+    m_server.ServePage("/page", "hello");
+    Send(Operation::BrowseForCookie(Url("/page"), Url("/page"), "sid", "err").Shown());
+    ASSERT_TRUE(RunMainLoopUntil([&] { return !queries.empty() && IsShown(); }));
+    CloseWindow();
+    BrowseUpToQuery("/next");
+    Answer({{"sid", "abc"}}, 0);
+    EXPECT_THAT(Results(), ElementsAre("cancel"));
+    Answer({{"sid", "def"}}, 1);
+    EXPECT_THAT(Results(), ElementsAre("cancel", "success_with_cookie def"));
+}
+
 TEST_F(WindowCookieAnswersTest, AQuickAgentGetsOneResultOfOneWalk) {
     // The agent's next operation is queued while the walk through the list is still going on.
     m_server.ServeOnRelease("/next", {200, "hello"});

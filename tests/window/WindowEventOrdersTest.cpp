@@ -12,7 +12,10 @@
 
 namespace {
 
+using testing::ElementsAre;
+using testing::IsEmpty;
 using testing::Key;
+using testing::SizeIs;
 using testing::UnorderedElementsAre;
 
 constexpr int kSequences = 10'000;
@@ -437,4 +440,65 @@ TEST_F(WindowEventOrdersTest, GiveOneResultForEachOperation) {
                             Key("ready"), Key("success"), Key("success_with_cookie"), Key("cancel"),
                             Key("error_cookie"), Key("error_navi"), Key("error_cert"),
                             Key("error_timeout"), Key("error_unknown")));
+}
+
+namespace {
+
+/// A load that ends without the engine's saying so.
+class WindowLostLoadTest : public WindowTest {
+protected:
+    WindowLostLoadTest() {
+        Engine().Start();
+        Open();
+        m_log.Clear();
+        Send(Operation::Browse("http://127.0.0.1/1", "http://127.0.0.1/1"));
+        RunPendingEvents();
+    }
+
+    static void LoseLoad() {
+        Engine().SetLoading(true);
+        Engine().TellLoadChanged(WEBKIT_LOAD_STARTED);
+        Engine().SetUri("");
+        Engine().SetLoading(false);
+        RunPendingEvents();
+    }
+
+    static ScriptedEngine& Engine() { return ScriptedEngine::Instance(); }
+};
+
+}  // namespace
+
+TEST_F(WindowLostLoadTest, IsAskedForOnceMore) {
+    LoseLoad();
+    EXPECT_THAT(Engine().Loads(), ElementsAre("http://127.0.0.1/1", "http://127.0.0.1/1"));
+    EXPECT_THAT(Results(), IsEmpty());
+    EXPECT_THAT(LogLines(), ElementsAre("W The engine lost a load, URI = http://127.0.0.1/1"));
+    Engine().TellLoadChanged(WEBKIT_LOAD_STARTED);
+    Engine().TellLoadChanged(WEBKIT_LOAD_FINISHED);
+    EXPECT_THAT(Results(), ElementsAre("success"));
+}
+
+TEST_F(WindowLostLoadTest, IsAnErrorTheSecondTime) {
+    LoseLoad();
+    LoseLoad();
+    EXPECT_THAT(Engine().Loads(), SizeIs(2));
+    EXPECT_THAT(Results(), ElementsAre("error_unknown"));
+}
+
+TEST_F(WindowLostLoadTest, IsNoneWhenItsEndIsToldBehind) {
+    Engine().SetLoading(true);
+    Engine().TellLoadChanged(WEBKIT_LOAD_STARTED);
+    Engine().SetLoading(false);
+    Engine().TellLoadFailed(g_quark_from_static_string("WebKitPolicyError"), 101);
+    RunPendingEvents();
+    EXPECT_THAT(Engine().Loads(), SizeIs(1));
+    EXPECT_THAT(Results(), IsEmpty());
+}
+
+TEST_F(WindowLostLoadTest, IsNoneWhenTheViewLoadsOn) {
+    Engine().TellLoadChanged(WEBKIT_LOAD_STARTED);
+    Engine().SetLoading(false);
+    Engine().SetLoading(true);
+    RunPendingEvents();
+    EXPECT_THAT(Engine().Loads(), SizeIs(1));
 }

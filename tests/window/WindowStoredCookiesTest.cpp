@@ -185,8 +185,7 @@ TEST_F(WindowStoredCookiesTest, ACookieThatIsFoundOnBothWaysCountsOnce) {
 
 TEST_F(WindowStoredCookiesTest, ACookieForSecureConnectionsIsFound) {
     HttpServer secure(TestCertificate("good"));
-    secure.Serve("/page",
-                 {200, "hello", "text/html", {{"Set-Cookie", "sid=abc; Path=/; Secure"}}});
+    secure.Serve("/page", {200, "hello", "text/html", {{"Set-Cookie", "sid=abc; Path=/; Secure"}}});
     Send(Operation::BrowseForCookie(secure.Url("/page"), secure.Url("/never"), "sid"));
     ASSERT_TRUE(WaitForResults(1));
     EXPECT_THAT(Results(), ElementsAre("success_with_cookie abc"));
