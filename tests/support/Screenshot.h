@@ -13,9 +13,26 @@ struct Screenshot {
     /// The pixel at a position within the picture.
     [[nodiscard]] std::uint32_t At(unsigned x, unsigned y) const { return pixels[y * width + x]; }
 
+    /// A picture of one colour.
+    [[nodiscard]] static Screenshot Plain(unsigned width, unsigned height, std::uint32_t colour);
+
+    /// The same picture with a rectangle of one colour, which lies within it.
+    [[nodiscard]] Screenshot With(unsigned left, unsigned top, unsigned rectangleWidth,
+                                  unsigned rectangleHeight, std::uint32_t colour) const;
+
     /// Gives whether the file could be written.
     [[nodiscard]] bool WritePng(const std::string& path) const;
+
+    /// Writes NAME.png into the folder that TK_SCREENSHOTS names, for a person to look at; without
+    /// that variable it does nothing. False when the file could not be written.
+    [[nodiscard]] bool Keep(const std::string& name) const;
 };
 
 bool operator==(const Screenshot& left, const Screenshot& right);
 bool operator!=(const Screenshot& left, const Screenshot& right);
+
+/// Whether two programs may have drawn the same thing: no colour is off by more than two levels of
+/// 256, as gradients are rounded, or lies beyond those of the pixels around it in the other
+/// picture, as an edge is smoothed. What is in one picture only, down to a line of one pixel, is
+/// found.
+[[nodiscard]] bool LookTheSame(const Screenshot& left, const Screenshot& right);

@@ -226,6 +226,17 @@ void XClient::Click(XWindow window, int x, int y, MouseButton button) {
     Synchronise();
 }
 
+void XClient::Place(XWindow window, const XGeometry& geometry) {
+    const std::uint32_t values[] = {
+        static_cast<std::uint32_t>(geometry.x), static_cast<std::uint32_t>(geometry.y),
+        static_cast<std::uint32_t>(geometry.width), static_cast<std::uint32_t>(geometry.height)};
+    xcb_configure_window(m_connection.get(), window,
+                         XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
+                             XCB_CONFIG_WINDOW_HEIGHT,
+                         values);
+    Synchronise();
+}
+
 void XClient::Close(XWindow window) {
     xcb_client_message_event_t message{};
     message.response_type = XCB_CLIENT_MESSAGE;

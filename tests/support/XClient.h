@@ -73,6 +73,9 @@ public:
     /// Clicks at a position within the window.
     void Click(XWindow window, int x, int y, MouseButton button = MouseButton::Left);
 
+    /// What a window manager does when the user moves the window and draws it to another size.
+    void Place(XWindow window, const XGeometry& geometry);
+
     /// What a window manager does when the user closes the window.
     void Close(XWindow window);
 

@@ -3,9 +3,14 @@
 #include <gtest/gtest.h>
 #include <png.h>
 
+#include <cstdlib>
 #include <filesystem>
 
 namespace {
+
+constexpr std::uint32_t kBlack = 0x000000;
+constexpr std::uint32_t kGrey = 0x808080;
+constexpr std::uint32_t kWhite = 0xFFFFFF;
 
 constexpr char kPath[] = "/opt/screenshot-test.png";
 
@@ -38,4 +43,48 @@ TEST(ScreenshotTest, ComparesEveryPixel) {
     EXPECT_NE(picture, (Screenshot{2, 1, {1, 3}}));
     EXPECT_NE(picture, (Screenshot{1, 2, {1, 2}}));
     EXPECT_EQ(picture.At(1, 0), 2U);
+}
+
+TEST(ScreenshotTest, IsPaintedInOneColourAndInRectangles) {
+    const Screenshot plain = Screenshot::Plain(3, 2, 7);
+    EXPECT_EQ(plain, (Screenshot{3, 2, {7, 7, 7, 7, 7, 7}}));
+    EXPECT_EQ(plain.With(1, 0, 2, 1, 9), (Screenshot{3, 2, {7, 9, 9, 7, 7, 7}}));
+    EXPECT_EQ(plain.With(0, 0, 3, 2, 9), Screenshot::Plain(3, 2, 9));
+}
+
+TEST(ScreenshotTest, IsKeptOnlyWhereAPersonAskedForIt) {
+    const Screenshot picture = Screenshot::Plain(1, 1, 7);
+    unsetenv("TK_SCREENSHOTS");
+    EXPECT_TRUE(picture.Keep("screenshot-test"));
+    setenv("TK_SCREENSHOTS", "/opt", 1);
+    EXPECT_FALSE(std::filesystem::exists(kPath));
+    EXPECT_TRUE(picture.Keep("screenshot-test"));
+    EXPECT_TRUE(std::filesystem::remove(kPath));
+    setenv("TK_SCREENSHOTS", "/no/such/folder", 1);
+    EXPECT_FALSE(picture.Keep("screenshot-test"));
+    unsetenv("TK_SCREENSHOTS");
+}
+
+TEST(ScreenshotTest, LooksTheSameWithColoursThatAreRoundedOtherwise) {
+    const Screenshot picture = Screenshot::Plain(5, 5, 0x808080);
+    EXPECT_TRUE(LookTheSame(picture, Screenshot::Plain(5, 5, 0x828080)));
+    EXPECT_TRUE(LookTheSame(picture, Screenshot::Plain(5, 5, 0x80807E)));
+    EXPECT_FALSE(LookTheSame(picture, Screenshot::Plain(5, 5, 0x808380)));
+    EXPECT_FALSE(LookTheSame(picture, Screenshot::Plain(5, 5, 0x7D8080)));
+}
+
+TEST(ScreenshotTest, LooksTheSameWithAnEdgeThatIsSmoothedOtherwise) {
+    const Screenshot sharp = Screenshot::Plain(5, 5, kWhite).With(0, 0, 2, 5, kBlack);
+    EXPECT_TRUE(LookTheSame(sharp, sharp.With(2, 1, 1, 3, kGrey)));
+    EXPECT_TRUE(LookTheSame(sharp.With(2, 1, 1, 3, kGrey), sharp));
+}
+
+TEST(ScreenshotTest, LooksOtherwiseWithAnythingThatOnlyOneHas) {
+    const Screenshot empty = Screenshot::Plain(5, 5, kWhite);
+    const Screenshot lined = empty.With(2, 0, 1, 5, kBlack);
+    EXPECT_FALSE(LookTheSame(empty, lined));
+    EXPECT_FALSE(LookTheSame(lined, empty));
+    EXPECT_FALSE(LookTheSame(empty, empty.With(4, 4, 1, 1, kBlack)));
+    EXPECT_FALSE(LookTheSame(empty, Screenshot::Plain(5, 4, kWhite)));
+    EXPECT_FALSE(LookTheSame(empty, {}));
 }

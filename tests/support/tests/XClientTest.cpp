@@ -236,3 +236,9 @@ TEST_F(XClientTest, CapturesWhatTheWindowShows) {
 TEST_F(XClientTest, RefusesADisplayThatIsNotThere) {
     EXPECT_THROW(XClient(":64999"), std::runtime_error);
 }
+
+TEST_F(XClientTest, PlacesAWindow) {
+    ShowApplication();
+    m_client.Place(m_application.Window(), {5, 6, 70, 80});
+    EXPECT_EQ(m_client.Geometry(m_application.Window()), (XGeometry{5, 6, 70, 80}));
+}
