@@ -4,11 +4,26 @@
 #include <gtest/gtest.h>
 #include <gtk/gtk.h>
 
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
 #include "Certificates.h"
 #include "PrivateWorld.h"
 #include "VirtualDisplay.h"
 
-int RunWindowTests(int argc, char** argv) {
+namespace {
+
+void WriteToolkitSettings(const std::string& text) {
+    const std::filesystem::path folder =
+        std::filesystem::path(std::getenv("HOME")) / ".config/gtk-3.0";
+    std::filesystem::create_directories(folder);
+    std::ofstream(folder / "settings.ini") << text;
+}
+
+}  // namespace
+
+int RunWindowTests(int argc, char** argv, const TestDesktop& desktop) {
     testing::InitGoogleMock(&argc, argv);
     if (testing::GTEST_FLAG(list_tests)) {
         return RUN_ALL_TESTS();
@@ -19,7 +34,10 @@ int RunWindowTests(int argc, char** argv) {
         return EXIT_FAILURE;
     }
     // The toolkit keeps its connection to the display for the whole process.
-    const VirtualDisplay display;
+    const VirtualDisplay display(desktop.screen);
+    if (!desktop.toolkitSettings.empty()) {
+        WriteToolkitSettings(desktop.toolkitSettings);
+    }
     gtk_init(&argc, &argv);
     return RUN_ALL_TESTS();
 }
