@@ -1,9 +1,15 @@
+#include <gdk/gdkkeysyms.h>
+
 #include "WindowTest.h"
 
 namespace {
 
+using testing::DoubleNear;
+using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
+
+constexpr std::size_t kManyTimes = 1000;
 
 class WindowResetTest : public OpenWindowTest {
 protected:
@@ -12,7 +18,74 @@ protected:
         Send(Operation::OfType(BrowserOperationType::reset));
         ASSERT_TRUE(WaitForResults(before + 1));
     }
+
+    void ResetManyTimes() {
+        const std::size_t before = Results().size();
+        for (std::size_t i = 0; i < kManyTimes; ++i) {
+            Send(Operation::OfType(BrowserOperationType::reset));
+        }
+        ASSERT_TRUE(WaitForResults(before + kManyTimes));
+        EXPECT_THAT(Results(), Each("ready"));
+    }
+
+    GtkAccelGroup* KeyGroup() const {
+        GSList* const groups = gtk_accel_groups_from_object(G_OBJECT(Window()));
+        EXPECT_EQ(g_slist_length(groups), 1U);
+        return GTK_ACCEL_GROUP(groups->data);
+    }
+
+    // How many actions all keys have together.
+    int CountActions() const {
+        int count = 0;
+        gtk_accel_group_find(
+            KeyGroup(),
+            [](GtkAccelKey*, GClosure*, gpointer counter) -> gboolean {
+                ++*static_cast<int*>(counter);
+                return FALSE;
+            },
+            &count);
+        return count;
+    }
+
+    guint CountActionsOf(guint key, GdkModifierType modifier) const {
+        guint count = 0;
+        gtk_accel_group_query(KeyGroup(), key, modifier, &count);
+        return count;
+    }
 };
+
+/// Keys that a person presses after a reset.
+class WindowResetKeysTest : public WindowResetTest {
+protected:
+    WindowResetKeysTest() {
+        m_server.ServePage("/page", "hello");
+        m_server.ServePage("/next", "hello");
+    }
+
+    void ShowAndFocus(const std::string& path) {
+        ShowPage(path);
+        FocusWindow();
+        g_signal_connect_swapped(
+            View(), "notify::zoom-level",
+            G_CALLBACK(+[](WindowResetKeysTest* self, GParamSpec*, WebKitWebView* view) {
+                self->m_zoomLevels.push_back(webkit_web_view_get_zoom_level(view));
+            }),
+            this);
+    }
+
+    void PressWithControl(guint key) { m_screen.Press({GDK_KEY_Control_L, key}); }
+
+    bool WaitForZoomLevels(std::size_t count) const {
+        return RunMainLoopUntil([&] { return m_zoomLevels.size() >= count; });
+    }
+
+    // Every level that the view has had, in order.
+    std::vector<double> m_zoomLevels;
+};
+
+auto IsCloseTo(double level) {
+    return DoubleNear(level, 1e-9);
+}
 
 }  // namespace
 
@@ -111,13 +184,35 @@ TEST_F(WindowResetTest, WatchesTheNewViewAsItDidTheOld) {
 }
 
 TEST_F(WindowResetTest, LeavesEachKeyOneActionOnly) {
-    Reset();
-    Reset();
-    GSList* const groups = gtk_accel_groups_from_object(G_OBJECT(Window()));
-    guint count = 0;
-    gtk_accel_group_query(GTK_ACCEL_GROUP(groups->data), GDK_KEY_r, GDK_CONTROL_MASK, &count);
-    EXPECT_EQ(g_slist_length(groups), 1U);
-    EXPECT_EQ(count, 1U);
+    EXPECT_EQ(CountActions(), 8);
+    ResetManyTimes();
+    EXPECT_EQ(CountActions(), 8);
+    EXPECT_EQ(CountActionsOf(GDK_KEY_r, GDK_CONTROL_MASK), 1U);
+    EXPECT_EQ(CountActionsOf(GDK_KEY_Left, GDK_MOD1_MASK), 1U);
+    for (const guint key : {GDK_KEY_equal, GDK_KEY_KP_Add, GDK_KEY_minus, GDK_KEY_KP_Subtract,
+                            GDK_KEY_0, GDK_KEY_KP_0}) {
+        EXPECT_EQ(CountActionsOf(key, GDK_CONTROL_MASK), 1U) << gdk_keyval_name(key);
+    }
+}
+
+TEST_F(WindowResetTest, FreesEveryViewThatItReplaces) {
+    int made = 0;
+    int freed = 0;
+    // What is attached to an object goes when the object's memory does. A weak reference would tell
+    // too early: of the widget's destruction, which leaves it in memory while anybody holds it.
+    const auto watchView = [&] {
+        ++made;
+        g_object_set_data_full(G_OBJECT(View()), "test-view", &freed,
+                               [](gpointer counter) { ++*static_cast<int*>(counter); });
+    };
+    watchView();
+    // A reset reports when the new view is there.
+    OnResult(watchView);
+    ResetManyTimes();
+    EXPECT_EQ(made, 1001);
+    EXPECT_TRUE(RunMainLoopUntil([&] { return freed == 1000; }));
+    Shut();
+    EXPECT_EQ(freed, 1001);
 }
 
 TEST_F(WindowResetTest, GivesTheWindowItsSizeBack) {
@@ -140,4 +235,64 @@ TEST_F(WindowResetTest, KeepsTheCookies) {
     Reset();
     ShowPage("/next");
     EXPECT_EQ(m_server.Requests().back().Header("Cookie"), "sid=abc");
+}
+
+TEST_F(WindowResetKeysTest, ReloadAndGoBack) {
+    Reset();
+    ShowPage("/page");
+    ShowAndFocus("/next");
+    PressWithControl(GDK_KEY_r);
+    ASSERT_TRUE(m_loads.WaitFor("FINISHED " + m_server.Url("/next"), 2));
+    m_screen.Press({GDK_KEY_Alt_L, GDK_KEY_Left});
+    ASSERT_TRUE(m_loads.WaitFor("FINISHED " + m_server.Url("/page"), 2));
+    EXPECT_STREQ(webkit_web_view_get_uri(View()), m_server.Url("/page").c_str());
+    EXPECT_THAT(Results(), ElementsAre("ready"));
+}
+
+TEST_F(WindowResetKeysTest, DoNotGoBackToAPageOfTheViewBefore) {
+    ShowPage("/page");
+    Reset();
+    ShowAndFocus("/next");
+    m_screen.Press({GDK_KEY_Alt_L, GDK_KEY_Left});
+    // Keys are handled in their order, so the reload is behind whatever the first one did.
+    PressWithControl(GDK_KEY_r);
+    ASSERT_TRUE(m_loads.WaitFor("FINISHED " + m_server.Url("/next"), 2));
+    EXPECT_THAT(m_server.RequestLines(), ElementsAre("GET /page", "GET /next", "GET /next"));
+}
+
+TEST_F(WindowResetKeysTest, Zoom) {
+    Reset();
+    ShowAndFocus("/page");
+    for (const guint key : {GDK_KEY_equal, GDK_KEY_equal, GDK_KEY_minus, GDK_KEY_0}) {
+        PressWithControl(key);
+    }
+    ASSERT_TRUE(WaitForZoomLevels(4));
+    EXPECT_THAT(m_zoomLevels,
+                ElementsAre(IsCloseTo(1.1), IsCloseTo(1.21), IsCloseTo(1.1), IsCloseTo(1.0)));
+}
+
+TEST_F(WindowResetKeysTest, ZoomOnTheKeypad) {
+    Reset();
+    ShowAndFocus("/page");
+    for (const guint key : {GDK_KEY_KP_Subtract, GDK_KEY_KP_Add, GDK_KEY_KP_Add}) {
+        PressWithControl(key);
+    }
+    // The keypad gives digits while Num Lock is on.
+    m_screen.Press({GDK_KEY_Num_Lock});
+    m_screen.Press({GDK_KEY_Control_L, GDK_KEY_KP_0}, ShiftKey::Never);
+    m_screen.Press({GDK_KEY_Num_Lock});
+    ASSERT_TRUE(WaitForZoomLevels(4));
+    EXPECT_THAT(m_zoomLevels,
+                ElementsAre(IsCloseTo(1.0 / 1.1), IsCloseTo(1.0), IsCloseTo(1.1), IsCloseTo(1.0)));
+}
+
+TEST_F(WindowResetKeysTest, ActOnceAfterAThousandResets) {
+    ResetManyTimes();
+    ShowAndFocus("/page");
+    PressWithControl(GDK_KEY_equal);
+    PressWithControl(GDK_KEY_r);
+    ASSERT_TRUE(m_loads.WaitFor("FINISHED " + m_server.Url("/page"), 2));
+    // Its load takes the zoom away.
+    EXPECT_THAT(m_zoomLevels, ElementsAre(IsCloseTo(1.1), IsCloseTo(1.0)));
+    EXPECT_THAT(m_server.RequestLines(), ElementsAre("GET /page", "GET /page"));
 }
