@@ -231,14 +231,6 @@ TEST_F(WindowAppearanceTest, ShowsFlatWhatAPageTurnsIntoDepth) {
     EXPECT_THAT(m_server.RequestLines(), ElementsAre("GET /page", "GET /depth?false"));
 }
 
-TEST_F(WindowAppearanceTest, DrawsWhatAScriptRendersInDepth) {
-    ShowBody("/page",
-             "<canvas id='drawn' width='1000' height='600' style='display: block'></canvas><script>"
-             "const pen = drawn.getContext('webgl');"
-             "pen.clearColor(0, 1, 0, 1); pen.clear(pen.COLOR_BUFFER_BIT)</script>");
-    ExpectWindow("drawn", Screenshot::Plain(1000, 600, 0x00FF00));
-}
-
 TEST_F(WindowGermanTest, HasTheGermanTitleOnTheScreen) {
     ShowBody("/page", kBlueBody);
     EXPECT_EQ(m_screen.Title(OnScreen()), "Velto Tunnelkeep – Anmeldung");
