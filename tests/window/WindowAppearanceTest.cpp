@@ -67,9 +67,8 @@ protected:
     }
 };
 
-// Everything that a sign-in page may draw in ways of its own: a gradient, text, a turned and a
-// lifted box, layers with and without transparency, a picture drawn by a script. The corner is set
-// last of all, when the script has run.
+// What a sign-in page may draw in ways of its own: a gradient, large text, a turned and a lifted
+// box, a layer that shines through, a picture drawn by a script.
 constexpr char kGraphics[] = R"(
 <style>
   body { background: linear-gradient(90deg, #003366, #ffcc00) }
@@ -96,6 +95,7 @@ constexpr char kGraphics[] = R"(
   pen.lineWidth = 9;
   pen.arc(150, 100, 60, 0, 7);
   pen.stroke();
+  fetch('/depth?' + matchMedia('(-webkit-transform-3d)').matches);
 </script>
 )";
 
@@ -200,7 +200,7 @@ TEST_F(WindowAppearanceTest, UsesNoGraphicsProcessorAfterAResetEither) {
 
 TEST_F(WindowAppearanceTest, LooksAsItWouldWithAGraphicsProcessor) {
     ShowBody("/page", kGraphics);
-    // One point each of the turned box, the lifted one, the layer and the drawn picture's ring.
+    // One point each of the turned box, the lifted one and the ring, which the script drew last.
     ASSERT_TRUE(RunMainLoopUntil([&] {
         const Screenshot now = WindowPicture();
         return now.At(160, 225) == 0xC02020U && now.At(470, 235) == kBlue &&
@@ -217,6 +217,10 @@ TEST_F(WindowAppearanceTest, LooksAsItWouldWithAGraphicsProcessor) {
     ShowPage("/page");
     EXPECT_TRUE(RunMainLoopUntil([&] { return LookTheSame(WindowPicture(), without); }));
     Keep("always", WindowPicture());
+    // The second drawing was another one: it has depth, as the engine tells the page.
+    EXPECT_TRUE(WaitForRequest("/depth", 2));
+    EXPECT_THAT(m_server.RequestLines(), ElementsAre("GET /page", "GET /depth?false", "GET /empty",
+                                                     "GET /page", "GET /depth?true"));
 }
 
 // Depth needs a graphics processor. Without one a page shows all it has, flat, and can know it.

@@ -20,10 +20,10 @@ protected:
 
 // A sign-in form in the engine's own colours.
 constexpr char kForm[] =
-    "<p style='margin: 20px'>Plain text, <a href='/'>a link</a></p>"
-    "<p style='margin: 20px'><input id='name' value='typed text'>"
+    "<div style='padding: 20px'>Plain text, <a href='/'>a link</a></div>"
+    "<div style='padding: 20px'><input id='name' value='typed text'>"
     " <input type='password' value='secret'> <select><option>One</option></select>"
-    " <input type='checkbox' checked> <button>Sign in</button></p>"
+    " <input type='checkbox' checked> <button>Sign in</button></div>"
     "<script>const style = getComputedStyle(document.getElementById('name'));"
     "fetch('/told?' + [style.color, style.backgroundColor].join('/').replaceAll(' ', ''))"
     "</script>";
