@@ -164,18 +164,18 @@ private:
             m_carriedOut = operation;
             if (operation.isReset) {
                 m_course.clear();
-            } else {
+            } else if (operation.cookieName.empty()) {
                 BeginLoad(operation.url);
             }
         }
         m_queued.clear();
-        BeginRepeatedLoad();
+        BeginLoads();
     }
 
-    /// The window has asked once more for a load that came to nothing.
-    void BeginRepeatedLoad() {
-        if (m_loadsBegun < m_model.Loads()) {
-            BeginLoad(m_carriedOut.url);
+    /// What the window has asked for takes the place of what was loading.
+    void BeginLoads() {
+        while (m_loadsBegun < Engine().Loads().size()) {
+            BeginLoad(Engine().Loads()[m_loadsBegun]);
         }
     }
 
@@ -202,6 +202,7 @@ private:
             Draw(10) == 0 ? std::nullopt : std::make_optional(m_cookies);
         Engine().AnswerQuery(answer);
         m_model.QueryAnswered(answer);
+        BeginLoads();
     }
 
     /// What no load brings with it: the user closes the window, or the time is over.
@@ -234,7 +235,7 @@ private:
         const Step step = m_course.front();
         m_course.pop_front();
         Tell(step);
-        BeginRepeatedLoad();
+        BeginLoads();
     }
 
     void Tell(Step step) {

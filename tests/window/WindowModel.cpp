@@ -30,10 +30,16 @@ void WindowModel::Carry(const ModelOperation& operation) {
     m_loadRepeated = false;
     m_baseline.reset();
     m_changed = m_pageOpen = m_pageDue = false;
-    if (!operation.cookieName.empty()) {
-        m_queries.emplace_back(Query::baseline, m_stretch);
+    if (operation.cookieName.empty()) {
+        AskForLoad();
+        return;
     }
-    AskForLoad();
+    m_load = Load::waiting;
+    m_queries.emplace_back(Query::baseline, m_stretch);
+}
+
+bool WindowModel::IsLoadToCome() const {
+    return m_load == Load::waiting || m_load == Load::asked;
 }
 
 void WindowModel::AskForLoad() {
@@ -61,11 +67,13 @@ void WindowModel::Result(const std::string& text) {
 }
 
 void WindowModel::LoadStarted() {
-    m_load = m_load == Load::asked ? Load::started : Load::over;
+    if (m_load != Load::waiting) {
+        m_load = m_load == Load::asked ? Load::started : Load::over;
+    }
 }
 
 void WindowModel::PageCommitted(unsigned status) {
-    if (m_load == Load::asked) {
+    if (IsLoadToCome()) {
         return;
     }
     m_load = Load::over;
@@ -75,7 +83,7 @@ void WindowModel::PageCommitted(unsigned status) {
 }
 
 void WindowModel::PageFinished(const std::string& uri) {
-    if (m_load == Load::asked) {
+    if (IsLoadToCome()) {
         return;
     }
     m_load = Load::over;
@@ -90,7 +98,7 @@ void WindowModel::PageFinished(const std::string& uri) {
 }
 
 void WindowModel::LoadFailed(int code) {
-    if (code == 302 || m_load == Load::asked) {
+    if (code == 302 || IsLoadToCome()) {
         return;
     }
     m_load = Load::over;
@@ -100,7 +108,7 @@ void WindowModel::LoadFailed(int code) {
 }
 
 void WindowModel::TlsFailed() {
-    if (m_load != Load::asked) {
+    if (!IsLoadToCome()) {
         m_load = Load::over;
         Result("error_cert");
     }
@@ -111,6 +119,9 @@ void WindowModel::LoadingChanged(bool loading) {
 }
 
 void WindowModel::ProcessTerminated() {
+    if (m_load == Load::waiting) {
+        return;
+    }
     if (m_load == Load::asked) {
         LoadIsLost();
         return;
@@ -128,7 +139,7 @@ bool WindowModel::ResourceStarted() {
 }
 
 void WindowModel::PageAnswered(bool isHtml, unsigned status) {
-    if (m_load == Load::asked || !isHtml || status < 200 || status > 299) {
+    if (IsLoadToCome() || !isHtml || status < 200 || status > 299) {
         return;
     }
     m_pageOpen = true;
@@ -155,8 +166,9 @@ void WindowModel::QueryAnswered(const std::optional<Cookies>& cookies) {
     m_queries.pop_front();
     const bool counts = cookies && stretch == m_stretch;
     m_pageQueryOpen = m_pageQueryOpen && query != Query::page;
-    if (counts && query == Query::baseline) {
+    if (query == Query::baseline && stretch == m_stretch) {
         m_baseline = cookies;
+        AskForLoad();
     } else if (counts) {
         const std::string result =
             query == Query::page ? NewResultIn(*cookies) : FirstResultIn(*cookies);
@@ -164,7 +176,7 @@ void WindowModel::QueryAnswered(const std::optional<Cookies>& cookies) {
             Result(result);
         }
     }
-    if (query != Query::finalPage) {
+    if (query == Query::page) {
         AskForPage();
     }
 }

@@ -46,10 +46,11 @@ public:
     void Closed() { Result("cancel"); }
 
 private:
-    enum class Load { asked, started, over };
+    enum class Load { waiting, asked, started, over };
     enum class Query { baseline, page, finalPage };
 
     void Carry(const ModelOperation& operation);
+    [[nodiscard]] bool IsLoadToCome() const;
     void AskForLoad();
     void LoadIsLost();
     void Result(const std::string& text);

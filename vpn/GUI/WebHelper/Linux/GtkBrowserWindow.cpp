@@ -224,16 +224,20 @@ void GtkBrowserWindow::LoadPage(const std::string& url, const std::string& final
     m_errorCookieName = errorCookieName;
     ++m_operationNumber;
     m_loadRepeated = false;
-    beginCookieWatch();
+    m_loadPhase = LoadPhase::waiting;
     if (!userAgent.empty()) {
         updateUserAgent(userAgent);
     }
-    askForLoad();
+    beginCookieWatch();
     if (timeout != 0) {
         // An earlier timeout is overwritten and still fires: it ends whatever runs then.
         m_timeoutSource =
             gdk_threads_add_timeout_seconds(LongestTimeoutAtMost(timeout), onLoadTimeout, this);
     }
+}
+
+bool GtkBrowserWindow::isLoadToCome() const {
+    return m_loadPhase == LoadPhase::waiting || m_loadPhase == LoadPhase::asked;
 }
 
 void GtkBrowserWindow::askForLoad() {
@@ -293,16 +297,14 @@ void GtkBrowserWindow::sendFinalResult(BrowserResultType type, const std::string
     SendResult(result, true);
 }
 
-void GtkBrowserWindow::webViewLoadChangedCB(WebKitWebView* webView, WebKitLoadEvent event,
+void GtkBrowserWindow::webViewLoadChangedCB(WebKitWebView* /*webView*/, WebKitLoadEvent event,
                                             GtkBrowserWindow* self) {
-    const bool loadAsked = self->m_loadPhase == LoadPhase::asked;
     if (event == WEBKIT_LOAD_STARTED) {
-        self->m_loadPhase = loadAsked ? LoadPhase::started : LoadPhase::over;
-        webkit_web_view_set_zoom_level(webView, 1.0);
+        self->loadStarted();
         return;
     }
     // A load that replaces another first brings the other's end, which already bears the new URI.
-    if (loadAsked || event == WEBKIT_LOAD_REDIRECTED) {
+    if (self->isLoadToCome() || event == WEBKIT_LOAD_REDIRECTED) {
         return;
     }
     self->m_loadPhase = LoadPhase::over;
@@ -310,6 +312,14 @@ void GtkBrowserWindow::webViewLoadChangedCB(WebKitWebView* webView, WebKitLoadEv
         self->pageCommitted();
     } else {
         self->pageFinished();
+    }
+}
+
+void GtkBrowserWindow::loadStarted() {
+    webkit_web_view_set_zoom_level(m_webView.get(), 1.0);
+    // One that starts while the operation's own is not asked for yet is the last page's.
+    if (m_loadPhase != LoadPhase::waiting) {
+        m_loadPhase = m_loadPhase == LoadPhase::asked ? LoadPhase::started : LoadPhase::over;
     }
 }
 
@@ -385,13 +395,19 @@ bool GtkBrowserWindow::onCookieListItem(const StoredCookie& cookie) {
 void GtkBrowserWindow::beginCookieWatch() {
     m_cookieWatch.Begin(m_cookieName, m_errorCookieName);
     if (!m_cookieMode || !CCookieStore::CanBeAsked()) {
+        askForLoad();
         return;
     }
+    // The load waits for the answer: a quick page's cookie would otherwise stand in the store
+    // before it, and be taken for one that had always been there.
     m_cookieStore->QueryAll(m_finalUrl, [this, operation = m_operationNumber](auto cookies) {
-        if (operation == m_operationNumber && cookies) {
-            m_cookieWatch.SetBaseline(std::move(*cookies));
-            askCookieStore();
+        if (operation != m_operationNumber) {
+            return;
         }
+        if (cookies) {
+            m_cookieWatch.SetBaseline(std::move(*cookies));
+        }
+        askForLoad();
     });
 }
 
@@ -440,7 +456,7 @@ void GtkBrowserWindow::onResourceLoadStarted(WebKitWebView* /*webView*/,
 void GtkBrowserWindow::onResourceResponse(WebKitWebResource* resource, GParamSpec* /*property*/,
                                           GtkBrowserWindow* self) {
     WebKitURIResponse* const response = webkit_web_resource_get_response(resource);
-    if (self->m_loadPhase == LoadPhase::asked || response == nullptr ||
+    if (self->isLoadToCome() || response == nullptr ||
         !IsCookieBearingResponse(webkit_uri_response_get_status_code(response),
                                  webkit_uri_response_get_mime_type(response))) {
         return;
@@ -476,7 +492,7 @@ gboolean GtkBrowserWindow::webViewLoadFailedCB(WebKitWebView* /*webView*/,
     if (failure == LoadFailure::cancelled) {
         return FALSE;
     }
-    if (self->m_loadPhase == LoadPhase::asked) {
+    if (self->isLoadToCome()) {
         return TRUE;
     }
     self->m_loadPhase = LoadPhase::over;
@@ -492,7 +508,7 @@ gboolean GtkBrowserWindow::webViewLoadFailedWithTLSErrorsCB(WebKitWebView* /*web
                                                             GTlsCertificate* /*certificate*/,
                                                             GTlsCertificateFlags errors,
                                                             GtkBrowserWindow* self) {
-    if (self->m_loadPhase != LoadPhase::asked) {
+    if (!self->isLoadToCome()) {
         self->m_loadPhase = LoadPhase::over;
         TK_LOG_ERROR("Failed to load page: %s", TlsErrorsToText(errors).c_str());
         self->sendFinalResult(BrowserResultType::error_cert);
@@ -506,6 +522,10 @@ void GtkBrowserWindow::webProcessTerminatedCB(WebKitWebView* webView,
     const char* const uri = webkit_web_view_get_uri(webView);
     TK_LOG_ERROR("The web process %s, URI = %s", TerminationText(reason),
                  uri != nullptr ? uri : "");
+    if (self->m_loadPhase == LoadPhase::waiting) {
+        // The load that is to come gets a new process.
+        return;
+    }
     if (self->m_loadPhase == LoadPhase::asked) {
         // It was asked for while the process was already dying, and is lost with it.
         self->repeatLostLoad();

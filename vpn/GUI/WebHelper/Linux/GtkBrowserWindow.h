@@ -53,7 +53,8 @@ private:
     struct QueuedOperation;
     /// How far the load is that the operation itself has asked for.
     enum class LoadPhase {
-        asked,    ///< whatever the engine tells is of the load before
+        waiting,  ///< it has not been asked for yet
+        asked,    ///< it has not started yet
         started,  ///< nothing has come of it yet
         over,     ///< it has been committed, has ended, or there is none
     };
@@ -67,8 +68,10 @@ private:
 
     void SendResult(CBrowserResult& result, bool resultSentAfter);
     void sendFinalResult(BrowserResultType type, const std::string& cookieValue = "");
+    [[nodiscard]] bool isLoadToCome() const;
     void askForLoad();
     void repeatLostLoad();
+    void loadStarted();
     void pageCommitted();
     void pageFinished();
     void queryCookies(const char* uri);
