@@ -9,24 +9,6 @@ namespace {
 
 using testing::ElementsAre;
 
-constexpr const char* kHalfHeader = "\0\2\0\0";
-constexpr const char* kHeaderAndHalfPayload = "\0\x18\0\0\0\0\0\0\0{\"operation\"";
-
-/// The ways in which a program whose agent has gone may be found.
-class AgentsEnd : public HelperTest {
-protected:
-    /// The agent goes; the program must follow.
-    void ExpectEndAfterClose(const std::string& receiveError = "2-End of file") {
-        EXPECT_EQ(AwaitPromptEnd(), "exited with status 0");
-        EXPECT_THAT(LogLines(),
-                    ElementsAre("I Initiating IPC connection to 127.0.0.1:" + AgentPort() + "...",
-                                "I IPC connection established",
-                                "E IPC receive error [" + receiveError + "]",
-                                "E Error receving data from IPC server, exiting...",
-                                "I Successfully stopped io service thread"));
-    }
-};
-
 using Refused = HelperTest;
 
 }  // namespace
@@ -49,47 +31,6 @@ TEST_F(Refused, EndsAtOnceWhenNobodyListens) {
                                    "E IPC connect error [111-Connection refused]",
                                    "E Error connecting to IPC server, exiting...",
                                    "I Successfully stopped io service thread"));
-}
-
-TEST_F(AgentsEnd, EndsAnIdleHiddenProgram) {
-    ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
-    EXPECT_TRUE(AwaitIdle());
-    Connection().Close();
-    ExpectEndAfterClose();
-}
-
-TEST_F(AgentsEnd, EndsAnIdleShownProgram) {
-    ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
-    ShowWaitingPage();
-    EXPECT_TRUE(AwaitIdle());
-    Connection().Close();
-    ExpectEndAfterClose();
-}
-
-TEST_F(AgentsEnd, EndsAProgramInTheMiddleOfAHeader) {
-    ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
-    SendBytes({kHalfHeader, 4});
-    Connection().Close();
-    ExpectEndAfterClose();
-}
-
-TEST_F(AgentsEnd, EndsAProgramInTheMiddleOfAPayload) {
-    ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
-    SendBytes({kHeaderAndHalfPayload, 21});
-    Connection().Close();
-    ExpectEndAfterClose();
-}
-
-TEST_F(AgentsEnd, EndsAProgramWhoseAgentCrashed) {
-    ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
-    Connection().Abort();
-    ExpectEndAfterClose("104-Connection reset by peer");
-}
-
-TEST_F(AgentsEnd, EndsAProgramThatHasNotSaidReadyYet) {
-    ASSERT_NO_FATAL_FAILURE(LaunchAndAccept());
-    Connection().Close();
-    EXPECT_EQ(AwaitPromptEnd(), "exited with status 0");
 }
 
 namespace {

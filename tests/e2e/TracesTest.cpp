@@ -1,12 +1,12 @@
 // What the program leaves behind, and what it passes on to the engine's processes.
 
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <set>
 #include <sstream>
 
 #include "HelperTest.h"
+#include "ProcessFamily.h"
 #include "SystemLogLine.h"
 #include "TemporaryFolder.h"
 #include "WaitUntil.h"
@@ -19,33 +19,6 @@ using testing::ElementsAre;
 /// The user's home as the test's private world has it.
 std::string Home() {
     return std::getenv("HOME");
-}
-
-/// Every process whose parent is the given one or a descendant of it.
-std::set<pid_t> Descendants(pid_t ancestor) {
-    std::set<pid_t> family{ancestor};
-    for (std::size_t before = 0; before != family.size();) {
-        before = family.size();
-        for (const fs::directory_entry& entry : fs::directory_iterator("/proc")) {
-            std::ifstream file(entry.path() / "stat");
-            std::string text;
-            std::getline(file, text);
-            // The name, in parentheses, may hold anything; its state and its parent follow.
-            std::istringstream rest(text.substr(std::min(text.rfind(')') + 1, text.size())));
-            char state = 0;
-            pid_t parent = 0;
-            if (rest >> state >> parent && family.count(parent) != 0) {
-                family.insert(std::stoi(entry.path().filename()));
-            }
-        }
-    }
-    family.erase(ancestor);
-    return family;
-}
-
-std::string NameOf(pid_t process) {
-    std::error_code error;
-    return fs::read_symlink("/proc/" + std::to_string(process) + "/exe", error).filename();
 }
 
 /// The sockets that a process holds, as "socket:[inode]".
@@ -102,7 +75,7 @@ TEST_F(Traces, TheEnginesProcessesDoNotInheritTheConnection) {
     EXPECT_THAT(SocketsOf(m_helper.Pid()), testing::Contains(connection));
     std::set<std::string> names;
     for (const pid_t process : Descendants(m_helper.Pid())) {
-        names.insert(NameOf(process));
+        names.insert(ProgramOf(process));
         EXPECT_THAT(SocketsOf(process), testing::Not(testing::Contains(connection)));
     }
     EXPECT_THAT(names, testing::IsSupersetOf({"WebKitNetworkProcess", "WebKitWebProcess"}));
@@ -114,7 +87,7 @@ TEST_F(Traces, TheEnginesProcessesEndWithTheProgram) {
     EXPECT_FALSE(processes.empty());
     EXPECT_EQ(Terminate(), "exited with status 0");
     for (const pid_t process : processes) {
-        EXPECT_TRUE(PollUntil([&] { return NameOf(process).empty(); })) << process;
+        EXPECT_TRUE(PollUntil([&] { return ProgramOf(process).empty(); })) << process;
     }
 }
 
