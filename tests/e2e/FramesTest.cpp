@@ -90,6 +90,31 @@ TEST_F(Frames, AnotherProtocolEndsTheReading) {
                 "E Received invalid message id 71, expected within range 0-0");
 }
 
+// Nothing is read any more, not even the end: the program stays until somebody else ends it.
+TEST_F(Frames, AStalledProgramLearnsOfItsAgentsEndFromItsNextResultAndStays) {
+    m_server.ServeOnRelease("/waiting", {});
+    Send(OperationText({{"operation", "browse"},
+                        {"url", m_server.Url("/waiting")},
+                        {"final_url", m_server.Url("/waiting")}}));
+    ASSERT_TRUE(m_server.WaitForRequest("/waiting"));
+    SendBytes(Header('\1', 0));
+    ASSERT_TRUE(m_log.WaitFor("Failed to process received data"));
+    Connection().Abort();
+    m_server.Release("/waiting");
+    ASSERT_TRUE(m_log.WaitFor("Notified of browser result send error"));
+    EXPECT_TRUE(AwaitIdle());
+    EXPECT_FALSE(m_helper.WaitForEnd(DeadlineIn({})).has_value());
+    EXPECT_THAT(
+        LogLines(),
+        ElementsAre(
+            "I Initiating IPC connection to 127.0.0.1:" + AgentPort() + "...",
+            "I IPC connection established",
+            "E Received invalid message id 1, expected within range 0-0",
+            "E Failed to process received data",
+            "E Failed to sent 'BROWSER_RESULT' message to server [104-Connection reset by peer]",
+            "W Notified of browser result send error"));
+}
+
 TEST_F(Frames, AnEmptyPayloadIsAMessageAndTheNextHeaderIsReadNormally) {
     SendBytes(Header('\0', 0) + Frame(Browse()));
     EXPECT_EQ(NextResult(), "success");
