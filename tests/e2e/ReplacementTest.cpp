@@ -50,6 +50,14 @@ protected:
                               {"final_url", url}});
     }
 
+    [[nodiscard]] std::string BrowseWithTimeout(const std::string& path,
+                                                const std::string& seconds) const {
+        return OperationText({{"operation", "browse"},
+                              {"timeout", seconds},
+                              {"url", m_server.Url(path)},
+                              {"final_url", m_server.Url(path)}});
+    }
+
     [[nodiscard]] std::string BrowseForCookie(const std::string& path) const {
         return OperationText({{"operation", "browse_for_cookie"},
                               {"url", m_server.Url(path)},
@@ -192,6 +200,21 @@ TEST_F(Replacement, WhilePagesLoadTheNextOperationsFailuresCount) {
         {"E Failed to load page: Could not connect: Connection refused, URI = " + refused,
          "E Failed to load page: The certificate has expired. ",
          "E HTTP ERROR CODE = 404, URL = " + m_server.Url("/missing")});
+}
+
+// The timeout of the operation that was replaced is not taken away, and ends whatever runs then.
+TEST_F(Replacement, LeavesTheFirstTimeoutToEndTheSecondOperation) {
+    ASSERT_NO_FATAL_FAILURE(Warm());
+    SendBytes(Segment({BrowseWithTimeout("/hang1", "1"), BrowseWithTimeout("/hang2", "3600")}));
+    ExpectLastResults({"error_timeout"});
+    ExpectLogLines({});
+}
+
+TEST_F(Replacement, LeavesTheFirstTimeoutToEndACookieOperationWhichHasNone) {
+    ASSERT_NO_FATAL_FAILURE(Warm());
+    SendBytes(Segment({BrowseWithTimeout("/hang1", "1"), BrowseForCookie("/hang2")}));
+    ExpectLastResults({"error_timeout"});
+    ExpectLogLines({});
 }
 
 TEST_F(Replacement, OfAShownPageByAHiddenOneLeavesTheWindowUntilTheResult) {
