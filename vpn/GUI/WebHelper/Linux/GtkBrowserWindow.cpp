@@ -100,6 +100,7 @@ void GtkBrowserWindow::init(GtkApplication* application) {
     webkit_web_context_set_process_model(m_webContext.get(),
                                          WEBKIT_PROCESS_MODEL_SHARED_SECONDARY_PROCESS);
     G_GNUC_END_IGNORE_DEPRECATIONS
+    RefuseDownloads(m_webContext.get());
     m_cookieManager = webkit_web_context_get_cookie_manager(m_webContext.get());
     g_signal_connect(m_cookieManager, "changed", G_CALLBACK(cookiesChangedCB), this);
     m_cookieStore.emplace(m_cookieManager);
@@ -124,6 +125,7 @@ void GtkBrowserWindow::initWebView() {
     m_webView.reset(WEBKIT_WEB_VIEW(g_object_ref_sink(widget)));
     connectWebViewSignals();
     m_accelerators = std::make_unique<CAcceleratorSet>(m_acceleratorGroup.get(), m_webView.get());
+    m_pageGuard = std::make_unique<CPageGuard>(m_webView.get());
     gtk_drag_dest_unset(widget);
     gtk_container_add(GTK_CONTAINER(m_window.get()), widget);
     GtkWindow* const window = GTK_WINDOW(m_window.get());
@@ -150,6 +152,7 @@ void GtkBrowserWindow::connectWebViewSignals() {
         {"decide-policy", G_CALLBACK(onDecidePolicy)},
         {"web-process-terminated", G_CALLBACK(webProcessTerminatedCB)},
         {"notify::is-loading", G_CALLBACK(isLoadingChangedCB)},
+        {"notify::is-web-process-responsive", G_CALLBACK(responsivenessChangedCB)},
     };
     for (const auto& [signal, handler] : handlers) {
         g_signal_connect(m_webView.get(), signal, handler, this);
@@ -269,6 +272,7 @@ void GtkBrowserWindow::ResetBrowser() {
     webkit_web_view_stop_loading(m_webView.get());
     g_signal_handlers_disconnect_by_data(m_webView.get(), this);
     m_accelerators.reset();
+    m_pageGuard.reset();
     gtk_container_remove(GTK_CONTAINER(m_window.get()), GTK_WIDGET(m_webView.get()));
     m_webView.reset();
     m_resultSent = false;
@@ -552,6 +556,16 @@ void GtkBrowserWindow::isLoadingChangedCB(WebKitWebView* webView, GParamSpec* /*
     if (self->m_loadPhase == LoadPhase::started && !webkit_web_view_is_loading(webView)) {
         // An end that is told comes right behind this.
         self->m_lostLoadSource = g_idle_add(lookForLostLoadCB, self);
+    }
+}
+
+// The last operation's page is busy with itself, or frozen, and would keep this operation's from
+// ever starting: its process goes, and the load is asked for once more, in a new one.
+void GtkBrowserWindow::responsivenessChangedCB(WebKitWebView* webView, GParamSpec* /*property*/,
+                                               GtkBrowserWindow* self) {
+    if (self->m_loadPhase == LoadPhase::asked &&
+        !webkit_web_view_get_is_web_process_responsive(webView)) {
+        webkit_web_view_terminate_web_process(webView);
     }
 }
 

@@ -16,6 +16,7 @@
 #include "CookieStore.h"
 #include "CookieWatch.h"
 #include "GObjectPtr.h"
+#include "PageGuard.h"
 
 /// The one browser of the process: a top-level window with a web view. It carries out browser
 /// operations in the order in which they come and hands exactly one result for each to its
@@ -99,6 +100,8 @@ private:
                                        GtkBrowserWindow* self);
     static void isLoadingChangedCB(WebKitWebView* webView, GParamSpec* property,
                                    GtkBrowserWindow* self);
+    static void responsivenessChangedCB(WebKitWebView* webView, GParamSpec* property,
+                                        GtkBrowserWindow* self);
     static gboolean lookForLostLoadCB(gpointer self);
     static void cookiesChangedCB(WebKitCookieManager* manager, GtkBrowserWindow* self);
     static void onResourceLoadStarted(WebKitWebView* webView, WebKitWebResource* resource,
@@ -119,6 +122,7 @@ private:
     CCookieWatch m_cookieWatch;
     GObjectPtr<GtkAccelGroup> m_acceleratorGroup;
     std::unique_ptr<CAcceleratorSet> m_accelerators;
+    std::unique_ptr<CPageGuard> m_pageGuard;
     std::string m_url;
     std::string m_finalUrl;
     std::string m_cookieName;

@@ -1,0 +1,229 @@
+// What a page may not do, and what it may not stop.
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "WindowTest.h"
+
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::Not;
+
+class WindowPageGuardTest : public OpenWindowTest {
+protected:
+    /// An operation that this page ends, once it is finished.
+    void Browse(const std::string& page) {
+        m_server.ServePage("/page", page);
+        Send(Operation::Browse(Url("/page"), Url("/page")));
+    }
+
+    /// An operation that stays open, for a person to see.
+    void BrowseShown(const std::string& page) {
+        m_server.ServePage("/page", page);
+        Send(Operation::Browse(Url("/page"), "never").Shown());
+        ASSERT_TRUE(m_loads.WaitFor("COMMITTED " + Url("/page")));
+        ASSERT_TRUE(RunMainLoopUntil([&] { return IsShown(); }));
+    }
+
+    /// The next operation is not kept from its result by anything.
+    void ExpectNextSuccess() {
+        m_server.ServePage("/next", "hello");
+        const std::size_t before = Results().size();
+        Send(Operation::Browse(Url("/next"), Url("/next")));
+        ASSERT_TRUE(WaitForResults(before + 1));
+        EXPECT_EQ(Results().back(), "success");
+    }
+
+    /// A page that needs a name and a password.
+    void ServeLocked() {
+        m_server.Serve("/locked",
+                       {401, "no", "text/html", {{"WWW-Authenticate", "Basic realm=\"a\""}}});
+    }
+
+    std::string Url(const std::string& path) { return m_server.Url(path); }
+
+    static bool IsInHome(const std::string& file) {
+        return std::filesystem::exists(std::string(getpwuid(geteuid())->pw_dir) + "/" + file);
+    }
+};
+
+/// Counts the downloads of a view that have come to their end.
+class EndedDownloads {
+public:
+    explicit EndedDownloads(WebKitWebView* view) : m_context(webkit_web_view_get_context(view)) {
+        g_signal_connect(m_context, "download-started", G_CALLBACK(onStarted), this);
+    }
+    ~EndedDownloads() { g_signal_handlers_disconnect_by_data(m_context, this); }
+    EndedDownloads(const EndedDownloads&) = delete;
+    EndedDownloads& operator=(const EndedDownloads&) = delete;
+
+    [[nodiscard]] bool Wait() const {
+        return RunMainLoopUntil([&] { return m_count > 0; });
+    }
+
+private:
+    static void onStarted(WebKitWebContext* /*context*/, WebKitDownload* download,
+                          EndedDownloads* self) {
+        g_signal_connect_swapped(download, "finished", G_CALLBACK(onFinished), self);
+    }
+
+    static void onFinished(EndedDownloads* self) { ++self->m_count; }
+
+    WebKitWebContext* m_context;
+    int m_count = 0;
+};
+
+}  // namespace
+
+TEST_F(WindowPageGuardTest, ADownloadNeverReachesTheDisk) {
+    const EndedDownloads downloads(View());
+    m_server.Serve("/file", {200, "content", "text/plain"});
+    Browse("<a id=link download=file href=/file>x</a><script>onload = () => link.click()</script>");
+    ASSERT_TRUE(downloads.Wait());
+    EXPECT_FALSE(IsInHome("file"));
+    EXPECT_THAT(LogLines(), ElementsAre("W Refused a download, URI = " + Url("/file")));
+}
+
+TEST_F(WindowPageGuardTest, AnAttachmentNeverReachesTheDisk) {
+    const EndedDownloads downloads(View());
+    m_server.Serve("/file",
+                   {200, "content", "application/zip", {{"Content-Disposition", "attachment"}}});
+    Send(Operation::Browse(Url("/file"), Url("/file")));
+    ASSERT_TRUE(downloads.Wait());
+    EXPECT_FALSE(IsInHome("file"));
+    ASSERT_TRUE(WaitForResults(1));
+    EXPECT_THAT(Results(), ElementsAre("error_unknown"));
+}
+
+TEST_F(WindowPageGuardTest, DeniesThePlaceOfTheMachine) {
+    BrowseShown(
+        "<script>navigator.geolocation.getCurrentPosition("
+        "() => fetch('/given'), error => fetch('/refused?' + error.code))</script>");
+    ASSERT_TRUE(WaitForRequest("/refused"));
+    EXPECT_THAT(m_server.RequestLines(), Contains("GET /refused?1"));
+    EXPECT_THAT(LogLines(), ElementsAre("W Denied a page's WebKitGeolocationPermissionRequest"));
+}
+
+TEST_F(WindowPageGuardTest, DeniesNotifications) {
+    BrowseShown(
+        "<script>Notification.requestPermission().then(answer => fetch('/' + answer))</script>");
+    ASSERT_TRUE(WaitForRequest("/denied"));
+}
+
+TEST_F(WindowPageGuardTest, GivesNoCameraAndNoMicrophone) {
+    BrowseShown(
+        "<script>for (const kind of ['video', 'audio'])"
+        "navigator.mediaDevices.getUserMedia({[kind]: true}).then("
+        "() => fetch('/given'), () => fetch('/refused?' + kind))</script>");
+    ASSERT_TRUE(WaitForRequest("/refused", 2));
+    EXPECT_EQ(m_server.CountRequests("/given"), 0U);
+}
+
+TEST_F(WindowPageGuardTest, PrintsNothingAndGoesOn) {
+    BrowseShown("<script>print(); fetch('/after')</script>");
+    EXPECT_TRUE(WaitForRequest("/after"));
+}
+
+TEST_F(WindowPageGuardTest, APageFromTheWebReachesNoFile) {
+    Browse(
+        "<img src='file:///etc/hostname' onload=\"fetch('/given')\""
+        " onerror=\"fetch('/refused')\">"
+        "<script>fetch('file:///etc/hostname').then("
+        "() => fetch('/given'), () => fetch('/refused'));"
+        "location = 'file:///etc/hostname'; setTimeout(() => fetch('/stayed'))</script>");
+    EXPECT_TRUE(WaitForRequest("/refused", 2));
+    EXPECT_TRUE(WaitForRequest("/stayed"));
+    EXPECT_EQ(m_server.CountRequests("/given"), 0U);
+    EXPECT_THAT(m_loads.All(), Not(Contains("COMMITTED file:///etc/hostname")));
+}
+
+TEST_F(WindowPageGuardTest, ARedirectToAFileIsAnError) {
+    m_server.Redirect("/redirect", "file:///etc/hostname");
+    Send(Operation::Browse(Url("/redirect"), "file:///etc/hostname"));
+    ASSERT_TRUE(WaitForResults(1));
+    EXPECT_THAT(Results(), ElementsAre("error_unknown"));
+    EXPECT_THAT(m_loads.All(), Not(Contains("COMMITTED file:///etc/hostname")));
+    ExpectNextSuccess();
+}
+
+TEST_F(WindowPageGuardTest, AThousandWindowsAreNone) {
+    BrowseShown("<script>for (let i = 0; i < 1000; ++i) open('/popup'); fetch('/after')</script>");
+    EXPECT_TRUE(WaitForRequest("/after"));
+    EXPECT_EQ(m_server.CountRequests("/popup"), 0U);
+}
+
+TEST_F(WindowPageGuardTest, AskedUnseenForAPasswordItIsAnHttpError) {
+    ServeLocked();
+    Send(Operation::Browse(Url("/locked"), Url("/locked")));
+    ASSERT_TRUE(WaitForResults(1));
+    EXPECT_THAT(Results(), ElementsAre("error_navi"));
+    EXPECT_THAT(LogLines(), ElementsAre("E HTTP ERROR CODE = 401, URL = " + Url("/locked")));
+}
+
+TEST_F(WindowPageGuardTest, AskedForAPasswordAPersonMayAnswer) {
+    ServeLocked();
+    Send(Operation::Browse(Url("/locked"), Url("/locked")).Shown());
+    ASSERT_TRUE(WaitForRequest("/locked"));
+    ASSERT_TRUE(RunMainLoopUntil([&] { return IsShown(); }));
+    CloseWindow();
+    EXPECT_THAT(Results(), ElementsAre("cancel"));
+    ExpectNextSuccess();
+}
+
+TEST_F(WindowPageGuardTest, DialogsThatNobodySeesAreAnswered) {
+    Browse(
+        "<script>alert('a');"
+        "fetch('/answers?' + confirm('b') + '-' + prompt('c', 'd'))</script>");
+    ASSERT_TRUE(WaitForResults(1));
+    EXPECT_THAT(Results(), ElementsAre("success"));
+    ASSERT_TRUE(WaitForRequest("/answers"));
+    EXPECT_THAT(m_server.RequestLines(), Contains("GET /answers?false-null"));
+}
+
+TEST_F(WindowPageGuardTest, ADialogThatAPersonSeesWaitsForThem) {
+    BrowseShown("<script>fetch('/before'); alert('a'); fetch('/after')</script>");
+    CloseWindow();
+    EXPECT_THAT(Results(), ElementsAre("cancel"));
+    EXPECT_TRUE(WaitForRequest("/after"));
+    ExpectNextSuccess();
+}
+
+TEST_F(WindowPageGuardTest, APageThatNeverStopsAskingIsEnded) {
+    Browse("<script>for (;;) alert('a')</script>");
+    ASSERT_TRUE(WaitForResults(1));
+    EXPECT_THAT(Results(), ElementsAre("error_unknown"));
+    EXPECT_THAT(LogLines(), ElementsAre("E The web process was terminated, URI = " + Url("/page")));
+    ExpectNextSuccess();
+}
+
+TEST_F(WindowPageGuardTest, APageThatNeverStopsAskingAPersonIsEndedWithTheWindow) {
+    BrowseShown("<script>for (;;) alert('a')</script>");
+    CloseWindow();
+    EXPECT_THAT(Results(), ElementsAre("cancel"));
+    ExpectNextSuccess();
+}
+
+TEST_F(WindowPageGuardTest, ABusyPageDoesNotKeepTheNextOperation) {
+    BrowseShown("<script>for (;;);</script>");
+    CloseWindow();
+    ExpectNextSuccess();
+    EXPECT_THAT(Results(), ElementsAre("cancel", "success"));
+    EXPECT_THAT(LogLines(), ElementsAre("E The web process was terminated, URI = " + Url("/next")));
+}
+
+TEST_F(WindowPageGuardTest, NoPageKeepsAPersonFromLeavingIt) {
+    BrowseShown("<script>onbeforeunload = event => event.preventDefault()</script>");
+    ExpectNextSuccess();
+}
+
+TEST_F(WindowPageGuardTest, GuardsTheViewOfAResetToo) {
+    Send(Operation::OfType(BrowserOperationType::reset));
+    ASSERT_TRUE(WaitForResults(1));
+    Browse("<script>alert('a')</script>");
+    ASSERT_TRUE(WaitForResults(2));
+    EXPECT_THAT(Results(), ElementsAre("ready", "success"));
+}

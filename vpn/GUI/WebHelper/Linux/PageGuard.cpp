@@ -1,0 +1,110 @@
+#include "PageGuard.h"
+
+#include "AppLog.h"
+
+namespace {
+
+// More than any page has a reason for.
+constexpr int kMostUnseenDialogs = 100;
+
+bool IsSeen(WebKitWebView* webView) {
+    return gtk_widget_get_mapped(GTK_WIDGET(webView)) != FALSE;
+}
+
+// As a person does who only wants to go on.
+void Dismiss(WebKitScriptDialog* dialog) {
+    switch (webkit_script_dialog_get_dialog_type(dialog)) {
+        case WEBKIT_SCRIPT_DIALOG_CONFIRM:
+            webkit_script_dialog_confirm_set_confirmed(dialog, FALSE);
+            break;
+        case WEBKIT_SCRIPT_DIALOG_BEFORE_UNLOAD_CONFIRM:
+            webkit_script_dialog_confirm_set_confirmed(dialog, TRUE);
+            break;
+        default:
+            break;
+    }
+}
+
+void onDownloadStarted(WebKitWebContext* /*context*/, WebKitDownload* download) {
+    TK_LOG_WARNING("Refused a download, URI = %s",
+                   webkit_uri_request_get_uri(webkit_download_get_request(download)));
+    webkit_download_cancel(download);
+}
+
+}  // namespace
+
+CPageGuard::CPageGuard(WebKitWebView* webView) : m_webView(webView) {
+    g_signal_connect(m_webView, "permission-request", G_CALLBACK(onPermissionRequest), this);
+    g_signal_connect(m_webView, "print", G_CALLBACK(onPrint), this);
+    g_signal_connect(m_webView, "authenticate", G_CALLBACK(onAuthenticate), this);
+    g_signal_connect(m_webView, "script-dialog", G_CALLBACK(onScriptDialog), this);
+    g_signal_connect(m_webView, "load-changed", G_CALLBACK(onLoadChanged), this);
+    g_signal_connect(m_webView, "unmap", G_CALLBACK(onUnmap), this);
+}
+
+CPageGuard::~CPageGuard() {
+    g_signal_handlers_disconnect_by_data(m_webView, this);
+    closeDialog();
+}
+
+gboolean CPageGuard::onPermissionRequest(WebKitWebView* /*webView*/,
+                                         WebKitPermissionRequest* request) {
+    TK_LOG_WARNING("Denied a page's %s", G_OBJECT_TYPE_NAME(request));
+    webkit_permission_request_deny(request);
+    return TRUE;
+}
+
+// The engine would run its dialog, and nothing else, until a person has answered it.
+gboolean CPageGuard::onPrint() {
+    return TRUE;
+}
+
+gboolean CPageGuard::onAuthenticate(WebKitWebView* webView, WebKitAuthenticationRequest* request) {
+    if (IsSeen(webView)) {
+        return FALSE;
+    }
+    // Without a name and a password the server's refusal is the page. Cancelling the request would
+    // end the load without a word.
+    webkit_authentication_request_authenticate(request, nullptr);
+    return TRUE;
+}
+
+gboolean CPageGuard::onScriptDialog(WebKitWebView* webView, WebKitScriptDialog* dialog,
+                                    CPageGuard* self) {
+    if (IsSeen(webView)) {
+        self->m_dialog.reset(webkit_script_dialog_ref(dialog));
+        return FALSE;
+    }
+    self->answerUnseen(dialog);
+    return TRUE;
+}
+
+void CPageGuard::answerUnseen(WebKitScriptDialog* dialog) {
+    Dismiss(dialog);
+    if (++m_unseenDialogs == kMostUnseenDialogs) {
+        webkit_web_view_terminate_web_process(m_webView);
+    }
+}
+
+void CPageGuard::onLoadChanged(WebKitWebView* /*webView*/, WebKitLoadEvent event,
+                               CPageGuard* self) {
+    if (event == WEBKIT_LOAD_STARTED) {
+        self->m_unseenDialogs = 0;
+    }
+}
+
+void CPageGuard::onUnmap(GtkWidget* /*webView*/, CPageGuard* self) {
+    self->closeDialog();
+}
+
+void CPageGuard::closeDialog() {
+    if (m_dialog) {
+        Dismiss(m_dialog.get());
+        webkit_script_dialog_close(m_dialog.get());
+        m_dialog.reset();
+    }
+}
+
+void RefuseDownloads(WebKitWebContext* context) {
+    g_signal_connect(context, "download-started", G_CALLBACK(onDownloadStarted), nullptr);
+}
