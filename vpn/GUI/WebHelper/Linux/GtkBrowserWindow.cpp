@@ -2,6 +2,7 @@
 
 #include <libsoup/soup.h>
 #include <pwd.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -113,7 +114,10 @@ void GtkBrowserWindow::initCookieStorage() {
         TK_LOG_WARNING("Unable to create data directory %s", directory.c_str());
         return;
     }
-    webkit_cookie_manager_set_persistent_storage(m_cookieManager, (directory + kCookieFile).c_str(),
+    const std::string file = directory + kCookieFile;
+    // A new one is private by the process's file mode mask; one of old may not be.
+    chmod(file.c_str(), S_IRUSR | S_IWUSR);
+    webkit_cookie_manager_set_persistent_storage(m_cookieManager, file.c_str(),
                                                  WEBKIT_COOKIE_PERSISTENT_STORAGE_SQLITE);
     // Set here only: without a store the engine's own policy stays on purpose.
     webkit_cookie_manager_set_accept_policy(m_cookieManager,

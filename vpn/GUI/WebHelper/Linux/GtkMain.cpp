@@ -12,6 +12,7 @@
 #include "GtkBrowserController.h"
 #include "InstallRoot.h"
 #include "InstanceSmartPtr.h"
+#include "ProcessSetup.h"
 #include "StoragePath.h"
 
 namespace {
@@ -84,6 +85,7 @@ int RunApplication(int argc, char** argv) {
     // Without an identifier the application is never unique: its command line is its own.
     const GObjectPtr<GtkApplication> application(
         gtk_application_new(nullptr, G_APPLICATION_HANDLES_COMMAND_LINE));
+    QuitOnSignals(application.get());
     g_signal_connect(application.get(), "command-line", G_CALLBACK(appParseCmdCB), nullptr);
     return g_application_run(G_APPLICATION(application.get()), argc, argv);
 }
@@ -91,6 +93,7 @@ int RunApplication(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    KeepSecretsPrivate();
     const CInstanceSmartPtr<StoragePath> storagePath = CreateStoragePath();
     SetUpTranslation();
     return RunApplication(argc, argv);

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <gtk/gtk.h>
+
+/// Keeps what the process and the engine's processes write to their user alone: files get no
+/// permissions for others, and a crash leaves no core file, which would have the cookies in it.
+/// Called first of all, while there is one thread.
+void KeepSecretsPrivate();
+
+/// Ends the application's main loop, and with it the process, on SIGTERM, SIGINT and SIGHUP as a
+/// `terminate` does. A connection that broke is reported where it is written to, not by SIGPIPE.
+/// The application must outlive the main loop. Main thread.
+void QuitOnSignals(GtkApplication* application);
