@@ -137,3 +137,15 @@ TEST_F(WindowProcessesTest, ANetworkProcessThatDiesBetweenOperationsIsReplaced) 
     EXPECT_THAT(Results()[1], AnyOf("success", "error_unknown"));
     ExpectGoodPage(2);
 }
+
+TEST_F(WindowProcessesTest, ACookieIsFoundInANewNetworkProcessToo) {
+    m_server.ServeOnRelease("/hang", {200, "late"});
+    Send(Operation::Browse(m_server.Url("/hang"), m_server.Url("/hang")));
+    ASSERT_TRUE(WaitForRequest("/hang"));
+    ASSERT_TRUE(KillEngineProcesses(EngineProcess::network));
+    ASSERT_TRUE(WaitForResults(1));
+    m_server.Serve("/page", {200, "hello", "text/html", {{"Set-Cookie", "sid=abc"}}});
+    Send(Operation::BrowseForCookie(m_server.Url("/page"), m_server.Url("/never"), "sid"));
+    ASSERT_TRUE(WaitForResults(2));
+    EXPECT_THAT(Results(), ElementsAre("error_unknown", "success_with_cookie abc"));
+}

@@ -44,6 +44,14 @@ TEST_F(CookieWatch, AsksNothingForAChangeWithoutAPage) {
     EXPECT_EQ(m_watch.TakeQuery(), std::nullopt);
 }
 
+TEST_F(CookieWatch, AsksForEveryPageOnceChangesGoUntold) {
+    m_watch.OnChangesUntold();
+    m_watch.Begin("sid", "err");
+    m_watch.SetBaseline({});
+    m_watch.OnResponse(kPage);
+    EXPECT_EQ(m_watch.TakeQuery(), kPage);
+}
+
 TEST_F(CookieWatch, AsksWhenTheChangeIsToldBehindItsPage) {
     m_watch.SetBaseline({});
     m_watch.OnResponse(kPage);

@@ -4,7 +4,9 @@
 
 void CCookieWatch::Begin(const std::string& cookieName, const std::string& errorCookieName) {
     const bool inFlight = m_inFlight;
+    const bool changesUntold = m_changesUntold;
     *this = CCookieWatch();
+    m_changesUntold = changesUntold;
     m_cookieName = cookieName;
     m_errorCookieName = errorCookieName;
     m_inFlight = inFlight;
@@ -27,7 +29,7 @@ void CCookieWatch::OnResponse(const std::string& uri) {
     m_responseUri = uri;
     // The store's change is told before the response, but on another way: it may be late.
     m_responseOpen = true;
-    m_due = m_changed;
+    m_due = m_changed || m_changesUntold;
 }
 
 std::optional<std::string> CCookieWatch::TakeQuery() {

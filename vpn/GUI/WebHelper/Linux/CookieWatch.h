@@ -31,6 +31,10 @@ public:
     /// Some cookie in the store has changed.
     void OnCookiesChanged();
 
+    /// From here on changes go untold, for this operation and all that follow: any page may have
+    /// brought one.
+    void OnChangesUntold() { m_changesUntold = true; }
+
     /// The engine asks a server for something: later changes are no longer the last page's.
     void OnResourceStarted();
 
@@ -54,6 +58,7 @@ private:
     std::string m_errorCookieName;
     std::optional<std::vector<StoredCookie>> m_baseline;
     bool m_changed = false;
+    bool m_changesUntold = false;
     std::string m_responseUri;
     // The last page's cookies may still be reported: nothing else has been asked for since.
     bool m_responseOpen = false;

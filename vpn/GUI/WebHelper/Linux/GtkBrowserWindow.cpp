@@ -496,6 +496,10 @@ void GtkBrowserWindow::decideByHeader(const char* header) {
 gboolean GtkBrowserWindow::webViewLoadFailedCB(WebKitWebView* /*webView*/,
                                                WebKitLoadEvent /*event*/, const char* failingUri,
                                                GError* error, GtkBrowserWindow* self) {
+    if (IsNetworkProcessLoss(error->code)) {
+        // The engine tells of no cookie that changes in the new process.
+        self->m_cookieWatch.OnChangesUntold();
+    }
     const LoadFailure failure = ClassifyLoadFailure(error->code);
     if (failure == LoadFailure::cancelled) {
         return FALSE;

@@ -15,6 +15,9 @@ enum class LoadFailure {
 /// Tells failures apart by the error's numeric code alone, whatever its domain.
 LoadFailure ClassifyLoadFailure(int errorCode);
 
+/// True for the failure with which a load ends whose network process has died.
+bool IsNetworkProcessLoss(int errorCode);
+
 /// True for the statuses 400 to 599.
 bool IsHttpError(std::uint32_t status);
 
