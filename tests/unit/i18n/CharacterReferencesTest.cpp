@@ -32,6 +32,9 @@ INSTANTIATE_TEST_SUITE_P(
                     ReferenceCase{"HighByte", "&#228;", "\xe4"},
                     ReferenceCase{"LeadingZeros", "&#00065;", "A"},
                     ReferenceCase{"FromTheStartAgain", "&#38;#65;", "A"},
+                    ReferenceCase{"FromTheStartAgainWithTheHash", "&&#35;65;", "A"},
+                    ReferenceCase{"FromTheStartAgainAndAgain", "&#38;#38;#38;#65;", "A"},
+                    ReferenceCase{"MadeOneWithoutEnd", "&#38;#65", "&#65"},
                     ReferenceCase{"NamedOnesAreNone", "&amp;&#65;", "&amp;A"}),
     [](const auto& test) { return test.param.description; });
 
@@ -65,6 +68,17 @@ TEST(CharacterReferencesWithoutEnd, AreLeftAsTheyAre) {
     text = "&#65;&#66";
     DecodeCharacterReferences(text);
     EXPECT_EQ(text, "A&#66");
+}
+
+// As long as a catalogue may be. Starting again for each of the references, this took minutes.
+TEST(CharacterReferencesOfALongText, AreDecodedInOnePass) {
+    constexpr std::size_t kCount = 100000;
+    std::string text;
+    for (std::size_t index = 0; index < kCount; ++index) {
+        text += "&#38;#38;";
+    }
+    DecodeCharacterReferences(text);
+    EXPECT_EQ(text, std::string(kCount, '&'));
 }
 
 }  // namespace

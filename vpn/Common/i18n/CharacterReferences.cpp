@@ -34,22 +34,43 @@ std::optional<char> CharacterOf(std::string_view code) {
     return static_cast<char>(value);
 }
 
+// Moves what stands before the next reference from the rest to the decoded text, and takes the "&#"
+// away; false when none follows. The last character decoded may itself begin one.
+bool MoveToReference(std::string& decoded, std::string_view& rest) {
+    const std::string_view text = decoded;
+    if (text.size() >= 2 && text.substr(text.size() - 2) == "&#") {
+        decoded.resize(decoded.size() - 2);
+        return true;
+    }
+    if (!text.empty() && text.back() == '&' && !rest.empty() && rest.front() == '#') {
+        decoded.pop_back();
+        rest.remove_prefix(1);
+        return true;
+    }
+    const std::size_t start = rest.find("&#");
+    decoded += rest.substr(0, start);
+    rest.remove_prefix(start != std::string_view::npos ? start + 2 : rest.size());
+    return start != std::string_view::npos;
+}
+
 }  // namespace
 
+// Searching from the start again after each reference would take the square of the text's length.
 void DecodeCharacterReferences(std::string& text) {
-    std::string decoded = text;
-    for (;;) {
-        const std::size_t start = decoded.find("&#");
-        const std::size_t end = start != std::string::npos ? decoded.find(';', start) : start;
-        if (end == std::string::npos) {
+    std::string decoded;
+    std::string_view rest = text;
+    while (MoveToReference(decoded, rest)) {
+        const std::size_t end = rest.find(';');
+        if (end == std::string_view::npos) {
+            decoded += "&#";
             break;
         }
-        const std::string_view code = std::string_view(decoded).substr(start + 2, end - start - 2);
-        const std::optional<char> character = CharacterOf(code);
+        const std::optional<char> character = CharacterOf(rest.substr(0, end));
         if (!character) {
             return;
         }
-        decoded.replace(start, end - start + 1, 1, *character);
+        decoded += *character;
+        rest.remove_prefix(end + 1);
     }
-    text = decoded;
+    text = decoded.append(rest);
 }
