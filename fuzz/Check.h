@@ -1,0 +1,7 @@
+#pragma once
+
+/// Ends the program, in every kind of build, when what a fuzz target promises does not hold.
+#define TK_CHECK(condition) \
+    ((condition) ? static_cast<void>(0) : FailCheck(#condition, __FILE__, __LINE__))
+
+[[noreturn]] void FailCheck(const char* condition, const char* file, int line);

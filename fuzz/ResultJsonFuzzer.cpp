@@ -1,0 +1,66 @@
+// A document of the helper, read as a result by the agent's side.
+
+#include <string>
+
+#include "BrowserDataModel.h"
+#include "Check.h"
+#include "FuzzInput.h"
+#include "FuzzTarget.h"
+#include "LogCapture.h"
+
+namespace {
+
+constexpr std::size_t kLongestDocument = 4096;
+
+void CheckRefused(const CBrowserResult& result, const LogCapture& log) {
+    const bool isMalformed = result.GetResultType() == BrowserResultType::cancel;
+    TK_CHECK(isMalformed || result.GetResultType() == BrowserResultType::undefined);
+    TK_CHECK(result.GetCookieValue() == std::string("untouched"));
+    const std::vector<std::string> lines = log.Lines();
+    TK_CHECK(lines.size() == 1);
+    TK_CHECK((lines[0] == "E Undefined browser result type.") == !isMalformed);
+}
+
+void CheckWritten(const CBrowserResult& result) {
+    std::string json;
+    TK_CHECK(result.Serialize(json));
+    TK_CHECK(json.find('\n') == json.size() - 1);
+
+    CBrowserResult again;
+    TK_CHECK(again.Deserialize(json));
+    TK_CHECK(again.GetResultType() == result.GetResultType());
+    TK_CHECK(again.GetCookieValue() == std::string(result.GetCookieValue()));
+    std::string jsonAgain;
+    TK_CHECK(again.Serialize(jsonAgain));
+    TK_CHECK(jsonAgain == json);
+}
+
+/// Whatever bytes a cookie's value has, as long as it can be written it is read back.
+void CheckValue(const std::string& value) {
+    std::string json;
+    CBrowserResult again;
+    if (CBrowserResult(BrowserResultType::success_with_cookie, value).Serialize(json)) {
+        TK_CHECK(json.find('\n') == json.size() - 1);
+        if (again.Deserialize(json)) {
+            TK_CHECK(again.GetCookieValue() == std::string(value.c_str()));
+        }
+    }
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string json = FuzzInput(data, std::min(size, kLongestDocument)).TakeRest();
+    {
+        const LogCapture log;
+        CBrowserResult result(BrowserResultType::cancel, "untouched");
+        if (result.Deserialize(json)) {
+            CheckWritten(result);
+            TK_CHECK(log.Records().empty());
+        } else {
+            CheckRefused(result, log);
+        }
+    }
+    CheckValue(json);
+    return 0;
+}

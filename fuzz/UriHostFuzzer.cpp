@@ -1,0 +1,62 @@
+// Addresses of an operation and of a page, whose hosts are compared.
+//
+// Input: one address, a line feed, and the other.
+
+#include <glib.h>
+
+#include <set>
+#include <string>
+
+#include "Check.h"
+#include "FuzzInput.h"
+#include "FuzzTarget.h"
+#include "UriHost.h"
+
+namespace {
+
+constexpr std::size_t kSchemesTried = 1000;
+
+/// GLib keeps every scheme it meets for the life of the process, and leaks a table when they are
+/// some thousands. Only so many are tried in one process.
+bool MayTryScheme(const std::string& address) {
+    static std::set<std::string> schemes;
+    const std::string scheme = address.substr(0, address.find(':'));
+    if (schemes.size() < kSchemesTried) {
+        schemes.insert(scheme);
+    }
+    return scheme == address || schemes.count(scheme) != 0;
+}
+
+}  // namespace
+
+int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
+    g_log_set_always_fatal(static_cast<GLogLevelFlags>(G_LOG_LEVEL_WARNING | G_LOG_LEVEL_CRITICAL |
+                                                       G_LOG_LEVEL_ERROR));
+    return 0;
+}
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    FuzzInput input(data, size);
+    const std::string first = input.TakeLine();
+    const std::string second = input.TakeRest();
+    if (!MayTryScheme(first) || !MayTryScheme(second)) {
+        return 0;
+    }
+    const auto haveEqualHosts = [](const std::string& left, const std::string& right) {
+        return HaveEqualHosts(left.c_str(), right.c_str());
+    };
+
+    const bool firstHasHost = haveEqualHosts(first, first);
+    const bool secondHasHost = haveEqualHosts(second, second);
+    const bool areEqual = haveEqualHosts(first, second);
+    TK_CHECK(areEqual == haveEqualHosts(second, first));
+    TK_CHECK(!areEqual || (firstHasHost && secondHasHost));
+    TK_CHECK(!firstHasHost || !haveEqualHosts(first, "about:blank"));
+    // What equals a known host is one.
+    for (const char* const known : {"http://login.example/", "https://www.example/"}) {
+        TK_CHECK(!(areEqual && haveEqualHosts(first, known)) || haveEqualHosts(second, known));
+    }
+    TK_CHECK(!haveEqualHosts(first, "http://login.example/") ||
+             !haveEqualHosts(first, "http://www.example/"));
+    return 0;
+}
