@@ -21,7 +21,7 @@
 namespace {
 
 constexpr std::size_t kLargestInput = 1 << 16;
-constexpr std::size_t kTruncatedUpTo = 192;
+constexpr std::size_t kTruncatedUpTo = 256;
 constexpr std::size_t kKeysTried = 64;
 constexpr char kDomain[] = "Fuzz";
 

@@ -1,5 +1,6 @@
 // A document of the helper, read as a result by the agent's side.
 
+#include <algorithm>
 #include <string>
 
 #include "BrowserDataModel.h"
@@ -35,16 +36,41 @@ void CheckWritten(const CBrowserResult& result) {
     TK_CHECK(jsonAgain == json);
 }
 
-/// Whatever bytes a cookie's value has, as long as it can be written it is read back.
-void CheckValue(const std::string& value) {
-    std::string json;
-    CBrowserResult again;
-    if (CBrowserResult(BrowserResultType::success_with_cookie, value).Serialize(json)) {
-        TK_CHECK(json.find('\n') == json.size() - 1);
-        if (again.Deserialize(json)) {
-            TK_CHECK(again.GetCookieValue() == std::string(value.c_str()));
+/// A text as documents hold it.
+std::string Escaped(const std::string& text) {
+    const std::string special = "\b\f\n\r\t\"\\/";
+    const std::string letters = "bfnrt\"\\/";
+    std::string escaped;
+    for (const char character : text) {
+        const std::size_t index = special.find(character);
+        if (index != std::string::npos) {
+            escaped += std::string("\\") + letters[index];
+        } else if (static_cast<unsigned char>(character) < 0x20) {
+            const char* const digits = "0123456789ABCDEF";
+            escaped += std::string("\\u00") + digits[character / 16] + digits[character % 16];
+        } else {
+            escaped += character;
         }
     }
+    return escaped;
+}
+
+bool IsAscii(const std::string& text) {
+    return std::all_of(text.begin(), text.end(),
+                       [](char character) { return static_cast<unsigned char>(character) < 0x80; });
+}
+
+/// Whatever bytes a cookie's value has, it is written with all of them.
+void CheckValue(const std::string& value) {
+    std::string json;
+    TK_CHECK(CBrowserResult(BrowserResultType::success_with_cookie, value).Serialize(json));
+    const std::string member = value.empty() ? "" : ",\"cookie_value\":\"" + Escaped(value) + "\"";
+    TK_CHECK(json == "{\"result\":\"success_with_cookie\"" + member + "}\n");
+
+    CBrowserResult again;
+    const bool isRead = again.Deserialize(json);
+    TK_CHECK(isRead || !IsAscii(value));
+    TK_CHECK(!isRead || again.GetCookieValue() == std::string(value.c_str()));
 }
 
 }  // namespace
