@@ -5,7 +5,8 @@
 #   scripts/fuzz.sh             ten minutes each
 #   scripts/fuzz.sh SECONDS     so long each
 #
-# What is found is in build/fuzz/fuzz/findings/, new inputs in build/fuzz/fuzz/corpus/.
+# What is found is in build/fuzz/fuzz/findings/, new inputs in build/fuzz/fuzz/corpus/. These are
+# replayed in the ordinary build, too: there the hardened C library watches.
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
@@ -61,4 +62,13 @@ while [ "${#name_of[@]}" -gt 0 ]; do
 done
 
 [ "${#failed[@]}" -eq 0 ] || fail "faults found by: ${failed[*]}"
+
+build release fuzzers
+step "Replay the new inputs (release)"
+for target in "${targets[@]}"; do
+    log=$logs/$target-replay.log
+    "$root/build/release/fuzz/${target}_fuzzer" "$programs/corpus/$target" >"$log" 2>&1 ||
+        fail "replay of $target; the last file in $log"
+    printf '%-24s %s\n' "$target" "$(tail -1 "$log")"
+done
 printf '\nNo fault found.\n'
