@@ -15,13 +15,13 @@ std::uint8_t FuzzInput::TakeByte() {
 }
 
 std::string FuzzInput::TakeLine() {
-    const std::string line(m_rest.substr(0, m_rest.find('\n')));
+    std::string line(m_rest.substr(0, m_rest.find('\n')));
     m_rest.remove_prefix(std::min(line.size() + 1, m_rest.size()));
     return line;
 }
 
 std::string FuzzInput::TakeRest() {
-    const std::string rest(m_rest);
+    std::string rest(m_rest);
     m_rest = {};
     return rest;
 }

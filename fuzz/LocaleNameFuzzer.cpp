@@ -70,8 +70,9 @@ std::string Expected(const std::string& name) {
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    std::string name = FuzzInput(data, size).TakeRest();
     // A zero ends the name.
-    const std::string name = FuzzInput(data, size).TakeRest().c_str();
+    name.erase(std::min(name.find('\0'), name.size()));
     const std::string expected = Expected(name);
     const ExactBytes exactName({name.c_str(), name.size() + 1});
 

@@ -17,7 +17,7 @@ void EnterPrivateInstallation() {
 }
 
 std::string WriteInstalledFile(const std::string& relativePath, std::string_view bytes) {
-    const std::string path = std::string(kInstallRoot) + "/" + relativePath;
+    std::string path = std::string(kInstallRoot) + "/" + relativePath;
     int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
     if (file < 0) {
         std::filesystem::create_directories(std::filesystem::path(path).parent_path());

@@ -14,7 +14,7 @@
 #include "FuzzTarget.h"
 
 // Targets that need no preparation have none.
-extern "C" __attribute__((weak)) int LLVMFuzzerInitialize(int* argc, char*** argv);
+#pragma weak LLVMFuzzerInitialize
 
 namespace {
 
