@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+/// The calls that a program containing this can have fail, each kind with all of its functions. A
+/// closing or unmapping call does its work all the same and then reports a failure, as the kernel
+/// does when what it still had to write is lost.
+enum class Call : std::uint8_t {
+    Allocation,     ///< operator new; without a sanitizer malloc, calloc and realloc as well
+    Open,           ///< open, fopen
+    Read,           ///< read
+    Write,          ///< write, writev
+    Close,          ///< close, fclose
+    Status,         ///< stat, fstat
+    Map,            ///< mmap
+    Unmap,          ///< munmap
+    MakeDirectory,  ///< mkdir
+    Socket,         ///< socket
+    Connect,        ///< connect
+    SocketOption,   ///< setsockopt, getsockopt, getsockname, getpeername
+    SocketControl,  ///< fcntl, ioctl
+    Send,           ///< send, sendmsg
+    Receive,        ///< recv, recvmsg
+    Poller,         ///< epoll_create, epoll_create1, epoll_wait
+    PollerEntry,    ///< epoll_ctl that adds a socket
+    WakeUp,         ///< eventfd
+    Timer,          ///< timerfd_create, timerfd_settime
+    Thread,         ///< pthread_create
+};
+
+enum class FailingOn : std::uint8_t { ThisThread, EveryThread };
+
+/// Has one call fail for as long as it lives: the one of that number, counted from 1, among the
+/// calls of its kind from now on. There is one at a time.
+class FailingCall {
+public:
+    FailingCall(Call kind, std::size_t number, FailingOn threads = FailingOn::ThisThread);
+    ~FailingCall();
+    FailingCall(const FailingCall&) = delete;
+    FailingCall& operator=(const FailingCall&) = delete;
+
+    /// Whether there was a call of that number.
+    [[nodiscard]] static bool HasFailed();
+};
+
+/// The calling thread's calls neither fail nor count, for a scope: they are the test's own.
+class SparedCalls {
+public:
+    SparedCalls();
+    ~SparedCalls();
+    SparedCalls(const SparedCalls&) = delete;
+    SparedCalls& operator=(const SparedCalls&) = delete;
+};
+
+/// How many blocks of memory the program holds; always 0 under a sanitizer, which looks itself.
+[[nodiscard]] std::size_t BlocksHeld();
