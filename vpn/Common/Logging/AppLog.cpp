@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstdarg>
 #include <memory>
+#include <new>
 
 #include "BoundedFormat.h"
 #include "EventMessages.h"
@@ -95,7 +96,9 @@ CAppLog::CAppLog(ResultCode& result, const char* identity, ILogger* logger) {
     ++referenceCount;
     SetResultCodeTable(kResultCodeTable.data(), kResultCodeModuleCount);
     if (installedLogger == nullptr) {
-        installedLogger = logger != nullptr ? logger : new CSyslogLogger(identity, true);
+        // Without memory for the sink the records are dropped, as without a log.
+        installedLogger =
+            logger != nullptr ? logger : new (std::nothrow) CSyslogLogger(identity, true);
     }
     result = kSuccess;
 }

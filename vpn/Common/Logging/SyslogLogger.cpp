@@ -3,11 +3,15 @@
 #include <syslog.h>
 
 #include <algorithm>
+#include <array>
+#include <cstring>
+#include <new>
 #include <string>
 
 namespace {
 
 constexpr std::uint32_t kSeverityByLevel = 7;
+constexpr std::size_t kRecordSize = 2048;  // the log's longest, and its zero
 
 int PriorityOfLevel(std::uint32_t level) {
     switch (level) {
@@ -21,6 +25,19 @@ int PriorityOfLevel(std::uint32_t level) {
         default:
             return LOG_DEBUG;
     }
+}
+
+void WriteLine(int priority, std::string line) {
+    std::replace(line.begin(), line.end(), '\n', ' ');
+    syslog(priority | LOG_DAEMON, "%s", line.c_str());
+}
+
+// The same without memory of its own, for a text of a record's length.
+void WriteRecordLine(int priority, const char* text) {
+    std::array<char, kRecordSize> line{};
+    const std::size_t length = strnlen(text, line.size() - 1);
+    std::replace_copy(text, text + length, line.begin(), '\n', ' ');
+    syslog(priority | LOG_DAEMON, "%s", line.data());
 }
 
 }  // namespace
@@ -42,10 +59,12 @@ ResultCode CSyslogLogger::Log(std::uint32_t severity, const char* text, const ch
     if (text == nullptr) {
         return GLOBAL_ERROR_BAD_PARAMETER;
     }
-    std::string line(text);
-    std::replace(line.begin(), line.end(), '\n', ' ');
     const int priority =
         severity < kSeverityByLevel ? static_cast<int>(severity) : PriorityOfLevel(level);
-    syslog(priority | LOG_DAEMON, "%s", line.c_str());
+    try {
+        WriteLine(priority, text);
+    } catch (const std::bad_alloc&) {
+        WriteRecordLine(priority, text);
+    }
     return kSuccess;
 }
