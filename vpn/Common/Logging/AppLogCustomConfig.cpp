@@ -52,7 +52,7 @@ ResultCode CAppLogCustomConfig::getConfigurationFilePath(std::string& path) {
     return kSuccess;
 }
 
-ResultCode CAppLogCustomConfig::getConfigurationFileContents(std::string& contents) {
+ResultCode CAppLogCustomConfig::getConfigurationFileContents(std::string& contents) try {
     contents.clear();
     std::string path;
     const ResultCode result = getConfigurationFilePath(path);
@@ -72,6 +72,10 @@ ResultCode CAppLogCustomConfig::getConfigurationFileContents(std::string& conten
     }
     contents.assign(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
     return kSuccess;
+} catch (const std::exception& error) {
+    TK_LOG_ERROR("Unable to read the configuration file for customizing debug logs (%s).",
+                 error.what());
+    return APPLOGCUSTOMCONFIG_ERROR_UNEXPECTED;
 }
 
 ResultCode CAppLogCustomConfig::loadConfigurationFromFile(ComponentTable& table) {
@@ -111,7 +115,7 @@ ResultCode CAppLogCustomConfig::loadConfigurationFromFile(ComponentTable& table)
     return kSuccess;
 }
 
-void CAppLogCustomConfig::init() {
+void CAppLogCustomConfig::init() try {
     Tables& tables = GetTables();
     if (tables.names.empty() || tables.defaults.empty()) {
         for (const Component& component : kComponents) {
@@ -127,6 +131,9 @@ void CAppLogCustomConfig::init() {
         TK_LOG_FAILED_CALL("CAppLogCustomConfig::loadConfigurationFromFile", result);
         tables.effective = tables.defaults;
     }
+} catch (const std::exception& error) {
+    // What is missing counts as unknown, and the next use makes it.
+    TK_LOG_ERROR("Failed to initialize the debug log configuration (%s).", error.what());
 }
 
 std::int32_t CAppLogCustomConfig::getComponent(const std::string& name) {
