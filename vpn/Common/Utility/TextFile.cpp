@@ -1,5 +1,6 @@
 #include "TextFile.h"
 
+#include <exception>
 #include <fstream>
 
 #include "AppLog.h"
@@ -9,11 +10,22 @@ namespace {
 
 enum class ReadOutcome { kNotOpened, kFailed, kStopped, kComplete };
 
+// False also when there is no memory for the stream's buffer.
+template <class Stream>
+bool Open(Stream& file, const std::string& path, std::ios::openmode mode) {
+    try {
+        file.open(path, mode);
+        return file.is_open();
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
 // Hands each line, without its line breaks, to the visitor until that gives false.
 template <class Visitor>
-ReadOutcome ReadLines(const std::string& path, Visitor visit) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file) {
+ReadOutcome ReadLines(const std::string& path, Visitor visit) try {
+    std::ifstream file;
+    if (!Open(file, path, std::ios::in | std::ios::binary)) {
         return ReadOutcome::kNotOpened;
     }
     for (std::string line; std::getline(file, line);) {
@@ -22,6 +34,8 @@ ReadOutcome ReadLines(const std::string& path, Visitor visit) {
         }
     }
     return file.eof() ? ReadOutcome::kComplete : ReadOutcome::kFailed;
+} catch (const std::exception&) {
+    return ReadOutcome::kFailed;
 }
 
 bool IsWhiteSpace(const std::string& line) {
@@ -67,8 +81,8 @@ bool SetTextFileContents(const std::string& path, const std::string& contents) {
         TK_LOG_ERROR("File name argument is invalid");
         return false;
     }
-    std::ofstream file(path, std::ios::binary | std::ios::trunc);
-    if (!file) {
+    std::ofstream file;
+    if (!Open(file, path, std::ios::out | std::ios::binary | std::ios::trunc)) {
         TK_LOG_ERROR("Failed to open file %s", path.c_str());
         return false;
     }
@@ -86,8 +100,8 @@ bool AppendLineToFile(const std::string& path, const std::string& line) {
         TK_LOG_ERROR("At least one argument is invalid");
         return false;
     }
-    std::ofstream file(path, std::ios::binary | std::ios::app);
-    if (!file) {
+    std::ofstream file;
+    if (!Open(file, path, std::ios::out | std::ios::binary | std::ios::app)) {
         TK_LOG_ERROR("Failed to open file %s", path.c_str());
         return false;
     }

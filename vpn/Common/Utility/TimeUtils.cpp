@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <limits>
+#include <new>
 
 #include "AppLog.h"
 #include "StringUtils.h"
@@ -74,7 +75,15 @@ ResultCode TimeNowToString(const char* format, char* buffer, std::size_t length)
 
 std::string TimeNowFormatted(int style) {
     std::tm now = {};
-    return TimeNow(&now) == kSuccess ? FormatLocalTime(now, style) : "";
+    if (TimeNow(&now) != kSuccess) {
+        return "";
+    }
+    try {
+        return FormatLocalTime(now, style);
+    } catch (const std::bad_alloc& error) {
+        TK_LOG_ERROR("Failed to format the local time (%s).", error.what());
+        return "";
+    }
 }
 
 std::string FormatLocalTime(const std::tm& localTime, int style) {
