@@ -9,6 +9,7 @@ using ResultCode = unsigned long;
 
 constexpr ResultCode kSuccess = 0;
 constexpr ResultCode GLOBAL_ERROR_BAD_PARAMETER = 0xFE000002;
+constexpr ResultCode GLOBAL_ERROR_MEMALLOC_FAILED = 0xFE000004;
 constexpr ResultCode GLOBAL_ERROR_UNEXPECTED = 0xFE000009;
 constexpr ResultCode CSTORAGEPATH_ERROR_NO_INSTANCE = 0xFE9D000A;
 constexpr ResultCode CSTORAGEPATH_ERROR_TEMPPATH_TOO_BIG = 0xFE9D000C;

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <string>
 
 #include "AppLog.h"
@@ -25,13 +26,13 @@ public:
             return kSuccess;
         }
         ResultCode result = kSuccess;
-        auto created = std::make_unique<T>(result, argument);
+        T* const created = Create(result, argument);
         if (result != kSuccess) {
-            ReleaseInstance(created.release());
+            ReleaseInstance(created);
             TK_LOG_FAILED_CALL(className, result);
             return result;
         }
-        m_instance = created.release();
+        m_instance = created;
         m_referenceCount = 1;
         instance = m_instance;
         return kSuccess;
@@ -67,6 +68,16 @@ public:
     }
 
 private:
+    // Null, with a result that says so, when there is no memory for it.
+    static T* Create(ResultCode& result, const std::string& argument) {
+        try {
+            return std::make_unique<T>(result, argument).release();
+        } catch (const std::bad_alloc&) {
+            result = GLOBAL_ERROR_MEMALLOC_FAILED;
+            return nullptr;
+        }
+    }
+
     std::mutex m_mutex;
     T* m_instance = nullptr;
     std::uint32_t m_referenceCount = 0;

@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <cstring>
+#include <new>
 #include <vector>
 
 #include "BoundedString.h"
@@ -27,7 +28,7 @@ bool EnsureDirectory(const char* path) {
 
 }  // namespace
 
-bool MakeDirectoryPath(const char* absolutePath) {
+bool MakeDirectoryPath(const char* absolutePath) try {
     if (absolutePath == nullptr || absolutePath[0] != '/') {
         return false;
     }
@@ -44,4 +45,6 @@ bool MakeDirectoryPath(const char* absolutePath) {
         }
     }
     return true;
+} catch (const std::bad_alloc&) {
+    return false;
 }

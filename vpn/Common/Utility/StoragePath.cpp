@@ -4,7 +4,9 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <new>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "AppLog.h"
@@ -18,7 +20,8 @@ constexpr std::size_t kFirstPasswordBufferSize = 1024;
 
 CCountedInstance<CStoragePath> storagePath;
 
-// Home folder in the entry that the query, a getpw*_r function with its key bound, finds.
+// Home folder, with a slash behind it, in the entry that the query, a getpw*_r function with its
+// key bound, finds.
 template <class Query>
 std::optional<std::string> HomeDirectory(Query query) {
     std::vector<char> buffer(kFirstPasswordBufferSize);
@@ -30,7 +33,7 @@ std::optional<std::string> HomeDirectory(Query query) {
     if (found == nullptr || found->pw_dir == nullptr) {
         return std::nullopt;
     }
-    return found->pw_dir;
+    return std::string(found->pw_dir) + "/";
 }
 
 std::optional<std::string> HomeOfUser(const std::string& userName) {
@@ -74,14 +77,18 @@ std::string CStoragePath::GetBinPath() const {
 }
 
 std::string CStoragePath::GetUserProgramDataPath(const std::string& userName) const {
-    const std::optional<std::string> home =
-        userName.empty() ? HomeOfRealUser() : HomeOfUser(userName);
+    std::optional<std::string> home;
+    try {
+        home = userName.empty() ? HomeOfRealUser() : HomeOfUser(userName);
+    } catch (const std::bad_alloc&) {
+        home.reset();
+    }
     if (!home) {
         TK_LOG_WARNING("Error retrieving user pswd struct.");
         // Deliberately without a slash behind it, unlike a home folder.
         return ".";
     }
-    return *home + "/";
+    return *std::move(home);
 }
 
 std::string CStoragePath::GetProgramDataPath(bool perUser, const std::string& userName) const {

@@ -1,0 +1,107 @@
+#include <gmock/gmock.h>
+#include <pwd.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "DirectoryPath.h"
+#include "EachCall.h"
+#include "SparedLog.h"
+#include "StoragePath.h"
+#include "TemporaryFolder.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::Ge;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr ResultCode kNoMemory = 0xFE000004;
+
+/// The singleton is made, held once more and given back.
+bool UseSingleton(Call kind, std::size_t number) {
+    const SparedLog log;
+    const FailingCall failing(kind, number);
+    CStoragePath* instance = nullptr;
+    const ResultCode result = CStoragePath::CreateSingletonInstance(instance, "");
+    CStoragePath* const again = CStoragePath::AcquireInstance();
+    EXPECT_EQ(again, instance);
+    CStoragePath::ReleaseInstance(again);
+    CStoragePath::ReleaseInstance(instance);
+    const bool hasFailed = FailingCall::HasFailed();
+
+    const SparedCalls spared;
+    EXPECT_EQ(result, hasFailed ? kNoMemory : kSuccess);
+    EXPECT_EQ(CStoragePath::GetInstanceRefCount(), 0U);
+    if (hasFailed) {
+        EXPECT_EQ(instance, nullptr);
+        EXPECT_THAT(log.Lines(),
+                    ElementsAre(HasSubstr("Invoked Function: CStoragePath Return Code: -33554428 "
+                                          "(0xFE000004) Description: "
+                                          "GLOBAL_ERROR_MEMALLOC_FAILED")));
+    } else {
+        EXPECT_THAT(log.Lines(), IsEmpty());
+    }
+    return hasFailed;
+}
+
+TEST(FailingCallsOfTheStoragePath, EveryAllocationOfTheSingleton) {
+    EXPECT_THAT(FailEachCall(Call::Allocation, UseSingleton), Ge(2U));
+}
+
+bool LookUpHome(Call kind, std::size_t number) {
+    const SparedLog log;
+    ResultCode result = kSuccess;
+    const CStoragePath storagePath(result, "");
+    std::string home;
+    bool hasFailed = false;
+    {
+        const FailingCall failing(kind, number);
+        home = storagePath.GetUserProgramDataPath("");
+        hasFailed = FailingCall::HasFailed();
+    }
+    if (home == ".") {
+        EXPECT_TRUE(hasFailed);
+        EXPECT_THAT(log.Lines(), ElementsAre(HasSubstr("Error retrieving user pswd struct.")));
+    } else {
+        // The C library gets along without some of its own blocks.
+        EXPECT_EQ(home, std::string(getpwuid(getuid())->pw_dir) + "/");
+        EXPECT_THAT(log.Lines(), IsEmpty());
+    }
+    return hasFailed;
+}
+
+TEST(FailingCallsOfTheStoragePath, EveryAllocationOfLookingTheHomeUp) {
+    EXPECT_THAT(FailEachCall(Call::Allocation, LookUpHome), Ge(1U));
+}
+
+/// Every directory is missing, and each run has a folder of its own.
+bool MakeDirectories(Call kind, std::size_t number) {
+    const TemporaryFolder folder;
+    const std::string path = folder.Path("one-of-the-directories/another-one/the-last-one");
+    bool made = false;
+    bool hasFailed = false;
+    {
+        const FailingCall failing(kind, number);
+        made = MakeDirectoryPath(path.c_str());
+        hasFailed = FailingCall::HasFailed();
+    }
+    EXPECT_EQ(made, std::filesystem::is_directory(path));
+    EXPECT_TRUE(made || hasFailed);
+    return hasFailed;
+}
+
+TEST(FailingCallsOfADirectoryPath, EveryAllocation) {
+    EXPECT_THAT(FailEachCall(Call::Allocation, MakeDirectories), Ge(2U));
+}
+
+TEST(FailingCallsOfADirectoryPath, EveryStatus) {
+    EXPECT_THAT(FailEachCall(Call::Status, MakeDirectories), Ge(5U));
+}
+
+TEST(FailingCallsOfADirectoryPath, EveryDirectoryMade) {
+    EXPECT_THAT(FailEachCall(Call::MakeDirectory, MakeDirectories), Ge(3U));
+}
+
+}  // namespace
