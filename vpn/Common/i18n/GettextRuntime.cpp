@@ -4,6 +4,7 @@
 
 #include <clocale>
 #include <mutex>
+#include <new>
 
 #include "TextDomains.h"
 
@@ -23,11 +24,16 @@ Runtime& TheRuntime() {
     return *runtime;
 }
 
-template <class Action>
-auto WithDomains(Action action) {
-    Runtime& runtime = TheRuntime();
-    const std::lock_guard<std::mutex> guard(runtime.mutex);
-    return action(runtime.domains);
+// Gives the fallback when there is no memory, for the runtime itself or for the result.
+template <class Action, class Result>
+Result WithDomains(Action action, Result fallback) {
+    try {
+        Runtime& runtime = TheRuntime();
+        const std::lock_guard<std::mutex> guard(runtime.mutex);
+        return action(runtime.domains);
+    } catch (const std::bad_alloc&) {
+        return fallback;
+    }
 }
 
 // Deliberately the whole of plural handling: the plural text is a key of its own, and a catalogue's
@@ -39,24 +45,32 @@ const char* ChooseKey(const char* singular, const char* plural, unsigned long co
 }  // namespace
 
 std::string current_textdomain_charset() {
-    return WithDomains([](const CTextDomains& domains) { return domains.CurrentCharset(); });
+    return WithDomains([](const CTextDomains& domains) { return domains.CurrentCharset(); },
+                       std::string());
 }
 
 void release_textdomain_catalog(const char* domain) {
-    WithDomains([=](CTextDomains& domains) { domains.Release(domain); });
+    WithDomains(
+        [=](CTextDomains& domains) {
+            domains.Release(domain);
+            return true;
+        },
+        false);
 }
 
 void set_locale_from_environment() {
-    WithDomains([](const CTextDomains&) { std::setlocale(LC_ALL, ""); });
+    WithDomains([](const CTextDomains&) { return std::setlocale(LC_ALL, ""); },
+                static_cast<char*>(nullptr));
 }
 
 TK_EXPORTED char* textdomain(const char* domain) noexcept {
-    return WithDomains([=](CTextDomains& domains) { return domains.SetCurrent(domain); });
+    return WithDomains([=](CTextDomains& domains) { return domains.SetCurrent(domain); },
+                       static_cast<char*>(nullptr));
 }
 
 TK_EXPORTED char* bindtextdomain(const char* domain, const char* directory) noexcept {
     const bool isBound =
-        WithDomains([=](CTextDomains& domains) { return domains.Bind(domain, directory); });
+        WithDomains([=](CTextDomains& domains) { return domains.Bind(domain, directory); }, false);
     return isBound ? const_cast<char*>(domain) : nullptr;
 }
 
@@ -93,8 +107,10 @@ TK_EXPORTED char* dcngettext(const char* domain, const char* singular, const cha
     if (key == nullptr) {
         return nullptr;
     }
-    const char* const text = WithDomains([=](CTextDomains& domains) {
-        return domains.Translate(domain != nullptr ? domain : domains.Current(), key, category);
-    });
+    const char* const text = WithDomains(
+        [=](CTextDomains& domains) {
+            return domains.Translate(domain != nullptr ? domain : domains.Current(), key, category);
+        },
+        key);
     return const_cast<char*>(text);
 }
