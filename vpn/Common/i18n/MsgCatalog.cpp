@@ -3,6 +3,7 @@
 #include <libintl.h>
 
 #include <cstdarg>
+#include <exception>
 
 #include "AppLog.h"
 #include "BoundedFormat.h"
@@ -51,7 +52,7 @@ void InitializeOnce() {
 
 }  // namespace
 
-std::string MsgCatalog::getLocalizationPath() {
+std::string MsgCatalog::getLocalizationPath() try {
     const CManualLockGuard guard(state.lock);
     const CInstanceSmartPtr<StoragePath> storagePath;
     if (!storagePath) {
@@ -61,9 +62,12 @@ std::string MsgCatalog::getLocalizationPath() {
     const std::string base =
         state.pathOverride.empty() ? storagePath->GetInstallPath() : state.pathOverride;
     return base + kLocalizationFolder;
+} catch (const std::exception& error) {
+    TK_LOG_ERROR("Caught message catalog exception - %s", error.what());
+    return "";
 }
 
-bool MsgCatalog::setCatalog(const std::string& catalogName) {
+bool MsgCatalog::setCatalog(const std::string& catalogName) try {
     const CManualLockGuard guard(state.lock);
     if (catalogName == state.currentCatalog) {
         return true;
@@ -84,6 +88,10 @@ bool MsgCatalog::setCatalog(const std::string& catalogName) {
     }
     TK_LOG_ERROR("The specified character set <%s> is unsupported.", charset.c_str());
     return false;
+} catch (const std::exception& error) {
+    TK_LOG_ERROR("Caught message catalog exception - %s", error.what());
+    resetCatalog();  // it may be bound only in part
+    return false;
 }
 
 void MsgCatalog::init(const std::string& catalogName, const char* /*localeName*/) {
@@ -100,7 +108,7 @@ void MsgCatalog::init(const char* localeName, const std::string& catalogName) {
     init(catalogName, localeName);
 }
 
-void MsgCatalog::getMessage(const char* identifier, std::string& text) {
+void MsgCatalog::getMessage(const char* identifier, std::string& text) try {
     const CManualLockGuard guard(state.lock);
     text.clear();
     if (identifier == nullptr) {
@@ -112,10 +120,12 @@ void MsgCatalog::getMessage(const char* identifier, std::string& text) {
     }
     InitializeOnce();
     text = gettext(identifier);
+} catch (const std::exception& error) {
+    TK_LOG_ERROR("Caught message catalog exception - %s", error.what());
 }
 
 void MsgCatalog::getMessage(const char* singular, const char* plural, unsigned long count,
-                            std::string& text) {
+                            std::string& text) try {
     const CManualLockGuard guard(state.lock);
     text.clear();
     if (singular == nullptr || plural == nullptr) {
@@ -127,6 +137,8 @@ void MsgCatalog::getMessage(const char* singular, const char* plural, unsigned l
     }
     InitializeOnce();
     text = ngettext(singular, plural, count);
+} catch (const std::exception& error) {
+    TK_LOG_ERROR("Caught message catalog exception - %s", error.what());
 }
 
 void MsgCatalog::getMessage(const char* identifier, const std::string& catalogName,
@@ -145,14 +157,18 @@ std::string MsgCatalog::getMessage(const char* identifier) {
     return text;
 }
 
-void MsgCatalog::setLocalizationPath(const std::string& path) {
+void MsgCatalog::setLocalizationPath(const std::string& path) try {
     const CManualLockGuard guard(state.lock);
     state.pathOverride = path;
+} catch (const std::exception& error) {
+    TK_LOG_ERROR("Caught message catalog exception - %s", error.what());
 }
 
-void MsgCatalog::setLocale(const std::string& localeName) {
+void MsgCatalog::setLocale(const std::string& localeName) try {
     const CManualLockGuard guard(state.lock);
     state.localeName = localeName;
+} catch (const std::exception& error) {
+    TK_LOG_ERROR("Caught message catalog exception - %s", error.what());
 }
 
 std::uint64_t MsgCatalog::getOpaqueNumber() {
@@ -185,7 +201,7 @@ void MsgCatalog::unloadCatalog() {
     release_textdomain_catalog(kCatalogName);
 }
 
-std::string MsgCatalog::formatMessage(const char* format, ...) {
+std::string MsgCatalog::formatMessage(const char* format, ...) try {
     const CManualLockGuard guard(state.lock);
     char message[kFormattedSize] = "";
     std::va_list arguments;
@@ -193,9 +209,14 @@ std::string MsgCatalog::formatMessage(const char* format, ...) {
     BoundedFormat(message, sizeof message, format, arguments);
     va_end(arguments);
     return message;
+} catch (const std::exception& error) {
+    TK_LOG_ERROR("Caught message catalog exception - %s", error.what());
+    return "";
 }
 
-void MsgCatalog::decodeCharacterReferences(std::string& text) {
+void MsgCatalog::decodeCharacterReferences(std::string& text) try {
     const CManualLockGuard guard(state.lock);
     DecodeCharacterReferences(text);
+} catch (const std::exception& error) {
+    TK_LOG_ERROR("Caught message catalog exception - %s", error.what());
 }

@@ -2,9 +2,11 @@
 
 #include <array>
 #include <charconv>
+#include <exception>
 #include <string_view>
 #include <utility>
 
+#include "AppLog.h"
 #include "MsgCatalog.h"
 
 namespace {
@@ -143,7 +145,7 @@ void MsgWithArg::clearArgs() {
     m_arguments.clear();
 }
 
-void MsgWithArg::format(std::string& text, bool translate) const {
+void MsgWithArg::format(std::string& text, bool translate) const try {
     std::string message = m_messageId;
     if (translate && m_catalog.empty()) {
         MsgCatalog::getMessage(m_messageId.c_str(), message);
@@ -155,4 +157,7 @@ void MsgWithArg::format(std::string& text, bool translate) const {
     }
     MsgCatalog::decodeCharacterReferences(message);
     text = message;
+} catch (const std::exception& error) {
+    TK_LOG_ERROR("Caught message catalog exception - %s", error.what());
+    text.clear();
 }
