@@ -96,11 +96,12 @@ TEST_F(JSONIPCClientEnd, ClosesTheConnection) {
     EXPECT_TRUE(m_peer->IsAtEnd());
 }
 
-TEST_F(JSONIPCClientEnd, LogsAnExceptionOfACallbackAndEndsTheThread) {
+TEST_F(JSONIPCClientEnd, LogsAnExceptionOfACallbackAndReportsTheEndOfTheThread) {
     Connect([](const std::string&) { throw std::runtime_error("callback failed"); });
     m_peer->Send(kEmptyFrame + kEmptyFrame);
     ExpectLinesUntilEnd(
-        {"T OnMsgReceived 0 null 0", "E Caught io service thread exception - callback failed"});
+        {"T OnMsgReceived 0 null 0", "E Caught io service thread exception - callback failed",
+         "T OnIpcReceiveError", "E Caught io service thread exception - callback failed"});
 }
 
 TEST_F(JSONIPCClientEnd, WaitsASecondForACallbackAndGoesOn) {

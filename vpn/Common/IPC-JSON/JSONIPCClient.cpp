@@ -18,6 +18,7 @@
 #include <cerrno>
 #include <deque>
 #include <exception>
+#include <new>
 #include <utility>
 #include <vector>
 
@@ -45,7 +46,11 @@ void OpenCloseOnExec(tcp::socket& socket) {
         throw boost::system::system_error(errno, boost::system::system_category(), "open");
     }
     error_code error;
-    socket.assign(tcp::v4(), descriptor, error);
+    try {
+        socket.assign(tcp::v4(), descriptor, error);
+    } catch (const std::bad_alloc&) {
+        error = boost::asio::error::no_memory;
+    }
     if (error) {
         ::close(descriptor);
         throw boost::system::system_error(error, "open");
@@ -101,6 +106,8 @@ struct CJsonIpcClient::Connection {
     CJsonIpcFrameReader reader{kMaximumPayloadLength};
 
     bool connecting = false;
+    bool established = false;
+    bool endReported = false;
     bool readCancelled = false;
     /// A frame was written in part: whatever followed, the peer would take it for the rest.
     bool frameCut = false;
@@ -131,7 +138,9 @@ CJsonIpcClient::CJsonIpcClient(std::uint16_t port, ResultCode& result) {
         return;
     }
     m_connection->endpoint = tcp::endpoint(boost::asio::ip::make_address_v4(kServerAddress), port);
-    initIpc();
+    if (!startConnecting()) {
+        result = JSONIPCCLIENT_ERROR_OPEN_SOCKET_FAILURE;
+    }
 }
 
 CJsonIpcClient::~CJsonIpcClient() {
@@ -154,7 +163,7 @@ bool CJsonIpcClient::startIoServiceThread() {
         return true;
     }
     try {
-        m_ioThread = boost::thread(&CJsonIpcClient::ioServiceThread, m_connection);
+        m_ioThread = boost::thread(&CJsonIpcClient::ioServiceThread, this, m_connection);
         return true;
     } catch (const std::exception& error) {
         TK_LOG_ERROR("Caught io service thread exception - %s", error.what());
@@ -169,6 +178,16 @@ bool CJsonIpcClient::openSocket() {
         return true;
     } catch (const std::exception& error) {
         TK_LOG_ERROR("Failed to open TCP socket - %s", error.what());
+        return false;
+    }
+}
+
+bool CJsonIpcClient::startConnecting() {
+    try {
+        initIpc();
+        return true;
+    } catch (const std::exception& error) {
+        TK_LOG_ERROR("Failed to start IPC connection - %s", error.what());
         return false;
     }
 }
@@ -218,6 +237,31 @@ void CJsonIpcClient::ioServiceThread(const std::shared_ptr<Connection>& connecti
         }
     } catch (const std::exception& error) {
         TK_LOG_ERROR("Caught io service thread exception - %s", error.what());
+        // No handler will run any more, and the owner would wait for ever.
+        if (!connection->ioService.stopped()) {
+            reportEndOfThread();
+        }
+    }
+}
+
+void CJsonIpcClient::reportEndOfThread() {
+    try {
+        reportEnd();
+    } catch (const std::exception& error) {
+        TK_LOG_ERROR("Caught io service thread exception - %s", error.what());
+    }
+}
+
+void CJsonIpcClient::reportEnd() {
+    Connection& connection = *m_connection;
+    if (connection.endReported) {
+        return;
+    }
+    connection.endReported = true;
+    if (connection.established) {
+        OnIpcReceiveError();
+    } else {
+        OnIpcConnectError();
     }
 }
 
@@ -231,6 +275,8 @@ void CJsonIpcClient::initIpc() {
         [this](const error_code& error) { handleConnectTimeout(error); });
     connection.connectTimerArmed = true;
     connection.connecting = true;
+    connection.established = false;
+    connection.endReported = false;
     connection.readCancelled = false;
     connection.socket.async_connect(
         connection.endpoint, [this, &connection](const error_code& error) {
@@ -260,13 +306,14 @@ void CJsonIpcClient::handleConnect(const error_code& error) {
     connection.connecting = false;
     if (error) {
         TK_LOG_ERROR("IPC connect error [%d-%s]", error.value(), error.message().c_str());
-        OnIpcConnectError();
+        reportEnd();
         if (!connection.ioService.stopped()) {
             cancelPendingOperations();
         }
         return;
     }
     TK_LOG_INFORMATION("IPC connection established");
+    connection.established = true;
     startReceive(kFrameHeaderSize);
     startNextSend();
 }
@@ -288,7 +335,7 @@ void CJsonIpcClient::handleReceived(const error_code& error, std::size_t bytesTr
     assert(connection.onIoThread());
     if (error) {
         TK_LOG_ERROR("IPC receive error [%d-%s]", error.value(), error.message().c_str());
-        OnIpcReceiveError();
+        reportEnd();
         if (!connection.ioService.stopped()) {
             cancelPendingOperations();
         }
@@ -318,17 +365,26 @@ std::size_t CJsonIpcClient::processReceivedData(std::size_t bytesTransferred) {
 }
 
 void CJsonIpcClient::sendMessage(std::uint32_t messageId, const std::string& payload) {
+    static_cast<void>(postMessage(messageId, payload));
+}
+
+bool CJsonIpcClient::postMessage(std::uint32_t messageId, const std::string& payload) try {
     // What the message sets off can destroy this object before the call returns: the copy keeps
     // the io_service.
     const std::shared_ptr<Connection> connection = m_connection;
     if (connection == nullptr) {
-        return;
+        return true;
     }
     auto send = std::make_shared<Send>(connection->ioService, messageId, payload);
     boost::asio::post(connection->ioService, [this, send = std::move(send)] {
         m_connection->waitingSends.push_back(send);
         startNextSend();
     });
+    return true;
+} catch (const std::bad_alloc& error) {
+    TK_LOG_ERROR("Failed to sent '%s' message to server [%d-%s]", MessageName(messageId), ENOMEM,
+                 error.what());
+    return false;
 }
 
 void CJsonIpcClient::startNextSend() {

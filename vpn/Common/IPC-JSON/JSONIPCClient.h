@@ -57,6 +57,10 @@ protected:
     /// run yet never will. Once or more; only the first call counts.
     void shutdown();
 
+    /// As sendMessage(); false, and logged, when there is no memory to hand the message over. Then
+    /// no callback tells of it.
+    [[nodiscard]] bool postMessage(std::uint32_t messageId, const std::string& payload);
+
     /// Starts the I/O thread unless it runs; false when it cannot be had.
     [[nodiscard]] bool startIoServiceThread();
 
@@ -67,11 +71,17 @@ private:
     struct Connection;
     struct Send;
 
-    static void ioServiceThread(const std::shared_ptr<Connection>& connection);
+    void ioServiceThread(const std::shared_ptr<Connection>& connection);
 
     [[nodiscard]] bool createConnection();
     [[nodiscard]] bool openSocket();
+    [[nodiscard]] bool startConnecting();
     void joinIoThread();
+
+    /// Tells the owner, once, that there is no connection or that it is over.
+    void reportEnd();
+    /// The same from outside of every handler, where nothing catches what a callback throws.
+    void reportEndOfThread();
 
     void handleConnectTimeout(const boost::system::error_code& error);
     void handleConnect(const boost::system::error_code& error);

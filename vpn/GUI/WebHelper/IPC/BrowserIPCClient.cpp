@@ -1,6 +1,7 @@
 #include "BrowserIPCClient.h"
 
 #include <memory>
+#include <new>
 #include <string>
 
 #include "AppLog.h"
@@ -41,7 +42,11 @@ ResultCode CBrowserIpcClient::createSingletonInstance(std::uint16_t port,
         return BROWSERIPCCLIENT_ERROR_ALREADY_INITIALIZED;
     }
     ResultCode code = kSuccess;
-    std::unique_ptr<CBrowserIpcClient> created(new CBrowserIpcClient(port, callback, code));
+    std::unique_ptr<CBrowserIpcClient> created(new (std::nothrow)
+                                                   CBrowserIpcClient(port, callback, code));
+    if (created == nullptr) {
+        code = BROWSERIPCCLIENT_ERROR_MEMALLOC_FAILED;
+    }
     if (code != kSuccess) {
         TK_LOG_FAILED_CALL("CBrowserIpcClient", code);
         return code;
@@ -82,8 +87,8 @@ ResultCode CBrowserIpcClient::SendBrowserResult(const CBrowserResult& result) {
     if (!result.Serialize(json)) {
         return BROWSERIPCCLIENT_ERROR_SERIALIZE_FAILURE;
     }
-    sendMessage(kBrowserResultMessageId, json);
-    return kSuccess;
+    return postMessage(kBrowserResultMessageId, json) ? kSuccess
+                                                      : BROWSERIPCCLIENT_ERROR_MEMALLOC_FAILED;
 }
 
 void CBrowserIpcClient::OnMsgReceived(std::uint32_t messageId, const char* payload,
