@@ -186,8 +186,7 @@ TEST_F(GettextRuntime, ServesALibrarysCall) {
     ASSERT_NE(library, nullptr) << dlerror();
     using Translate = const char* (*)(const char* domain, const char* text);
     const auto translate = reinterpret_cast<Translate>(dlsym(library, "g_dgettext"));
-    ASSERT_NE(translate, nullptr);
-    EXPECT_STREQ(translate("app", "one"), "eins");
+    EXPECT_STREQ(translate != nullptr ? translate("app", "one") : "(not found)", "eins");
     EXPECT_EQ(dlclose(library), 0);
 }
 

@@ -64,8 +64,9 @@ GuardedBytes::GuardedBytes(std::string_view bytes) {
     const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
     const std::size_t readable = (bytes.size() / page + 1) * page;
     m_mappedSize = readable + page;
-    m_memory =
-        mmap(nullptr, m_mappedSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    constexpr int kFlags = MAP_PRIVATE | MAP_ANONYMOUS;
+    // cppcheck-suppress invalidFunctionArg ; memory without a file has no descriptor
+    m_memory = mmap(nullptr, m_mappedSize, PROT_READ | PROT_WRITE, kFlags, -1, 0);
     if (m_memory == MAP_FAILED) {
         throw std::bad_alloc();
     }

@@ -59,6 +59,7 @@ public:
                 m_instance = nullptr;
             }
         }
+        // cppcheck-suppress unreadVariable ; its destructor is what it is for
         const std::unique_ptr<T> disposed(instance);
     }
 

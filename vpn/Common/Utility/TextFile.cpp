@@ -86,7 +86,9 @@ bool SetTextFileContents(const std::string& path, const std::string& contents) {
         TK_LOG_ERROR("Failed to open file %s", path.c_str());
         return false;
     }
-    file << contents.c_str();  // up to the first zero byte: contents are text
+    // Up to the first zero byte: contents are text.
+    // cppcheck-suppress stlcstrStream
+    file << contents.c_str();
     file.close();
     if (!file) {
         TK_LOG_ERROR("Failed to update file %s", path.c_str());

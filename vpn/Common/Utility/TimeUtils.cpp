@@ -36,6 +36,7 @@ std::int64_t SubtractSeconds(std::int64_t left, std::int64_t right) {
 
 std::string FixedForm(const std::tm& localTime) {
     char buffer[kFixedFormSize] = "";
+    // cppcheck-suppress asctime_rCalled ; its form is the promised one, whatever the locale
     const char* const text = asctime_r(&localTime, buffer);
     return text != nullptr ? text : "";
 }
@@ -100,6 +101,7 @@ std::string FormatLocalTime(const std::tm& localTime, int style) {
 
 int SleepMilliseconds(std::uint32_t milliseconds) {
     // The microseconds wrap around at 32 bits. Callers know and stay below.
+    // cppcheck-suppress usleepCalled ; its result and its errors are the promised ones
     return usleep(milliseconds * 1000U);
 }
 
