@@ -59,10 +59,12 @@ void release_textdomain_catalog(const char* domain) {
 }
 
 void set_locale_from_environment() {
-    WithDomains([](const CTextDomains&) { return std::setlocale(LC_ALL, ""); },
-                static_cast<char*>(nullptr));
+    std::ignore = WithDomains([](const CTextDomains&) { return std::setlocale(LC_ALL, ""); },
+                              static_cast<char*>(nullptr));
 }
 
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name): the names in the C library's
+// header are reserved to it.
 TK_EXPORTED char* textdomain(const char* domain) noexcept {
     return WithDomains([=](CTextDomains& domains) { return domains.SetCurrent(domain); },
                        static_cast<char*>(nullptr));
@@ -114,3 +116,4 @@ TK_EXPORTED char* dcngettext(const char* domain, const char* singular, const cha
         key);
     return const_cast<char*>(text);
 }
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)

@@ -76,7 +76,7 @@ void SetUpTranslation() {
     bindtextdomain(kTextDomain, (std::string(kInstallRoot) + "/l10n").c_str());
     bind_textdomain_codeset(kTextDomain, "UTF-8");
     textdomain(kTextDomain);
-    std::setlocale(LC_ALL, "");
+    (void)std::setlocale(LC_ALL, "");
 }
 
 int RunApplication(int argc, char** argv) {
