@@ -59,6 +59,16 @@ TEST_F(CookieWatch, AsksWhenTheChangeIsToldBehindItsPage) {
     EXPECT_EQ(m_watch.TakeQuery(), kPage);
 }
 
+TEST_F(CookieWatch, AsksOnceForTwoChangesToldBehindTheirPage) {
+    m_watch.SetBaseline({});
+    m_watch.OnResponse(kPage);
+    m_watch.OnCookiesChanged();
+    m_watch.OnCookiesChanged();
+    EXPECT_EQ(m_watch.TakeQuery(), kPage);
+    EXPECT_FALSE(m_watch.OnAnswer({}).has_value());
+    EXPECT_EQ(m_watch.TakeQuery(), std::nullopt);
+}
+
 TEST_F(CookieWatch, AsksNothingForTheChangeOfAPicture) {
     m_watch.SetBaseline({});
     m_watch.OnResponse(kPage);
@@ -130,6 +140,14 @@ TEST_F(CookieWatch, FindsANewValueOfACookieThatStoodThereBefore) {
     const auto found = m_watch.OnAnswer({kNewSid});
     ASSERT_TRUE(found.has_value());
     EXPECT_EQ(found->value, "new");
+}
+
+TEST_F(CookieWatch, FindsACookieThatStoodThereBeforeForAnotherHostOnly) {
+    m_watch.SetBaseline({kOther, {"sid", "old", "elsewhere", "/"}});
+    AskForPage();
+    const auto found = m_watch.OnAnswer({kOldSid});
+    ASSERT_TRUE(found.has_value());
+    EXPECT_EQ(found->value, "old");
 }
 
 TEST_F(CookieWatch, FindsANewCookieBehindAnOldOneOfTheSameName) {

@@ -120,6 +120,12 @@ TEST(FormatLocalTime, WritesTheFixedFormInStyleTwo) {
     EXPECT_EQ(FormatLocalTime(FifteenthOfNovember(), 2), "Mon Nov 15 09:13:05 2021\n");
 }
 
+TEST(FormatLocalTime, WritesNothingInStyleTwoOfAYearThatNoNumberHolds) {
+    std::tm time = FifteenthOfNovember();
+    time.tm_year = std::numeric_limits<int>::max();
+    EXPECT_EQ(FormatLocalTime(time, 2), "");
+}
+
 TEST(FormatLocalTime, WritesTheLocalesFormInAnyOtherStyle) {
     for (const int style : {0, 3, -1, 100}) {
         EXPECT_EQ(FormatLocalTime(FifteenthOfNovember(), style), "Mon Nov 15 09:13:05 2021");

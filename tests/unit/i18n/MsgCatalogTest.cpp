@@ -108,6 +108,17 @@ TEST_F(MsgCatalogs, AreLoadedAsSoonAsTheyAreSet) {
     EXPECT_EQ(MsgCatalog::getMessage("one"), "uno");
 }
 
+TEST_F(MsgCatalogs, StayLoadedWhenTheyAreSetBackBelowARelativeFolder) {
+    InstallCatalog("Other", "utf-8", kOtherEntries);
+    ASSERT_TRUE(MsgCatalog::setCatalog("Other"));
+    MsgCatalog::setLocalizationPath("relative/");
+    ASSERT_TRUE(MsgCatalog::setCatalog("Third"));
+    EXPECT_TRUE(MsgCatalog::setCatalog("Other"));
+    EXPECT_EQ(MsgCatalog::getMessage("one"), "uno");
+    EXPECT_THAT(m_log.Lines(),
+                ElementsAre("I The character set is utf-8.", "I The character set is utf-8."));
+}
+
 TEST_F(MsgCatalogs, ThatDeclareUtf8InCapitalsAreRefusedButServed) {
     InstallCatalog("Capitals", "UTF-8", kOtherEntries);
     EXPECT_FALSE(MsgCatalog::setCatalog("Capitals"));
