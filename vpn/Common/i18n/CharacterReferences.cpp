@@ -9,8 +9,8 @@ namespace {
 // Value of a digit, or nothing when it is none of the base.
 std::optional<unsigned> DigitValue(char digit, int base) {
     unsigned value = 0;
-    const auto [end, error] = std::from_chars(&digit, &digit + 1, value, base);
-    return error == std::errc() && end == &digit + 1 ? std::optional(value) : std::nullopt;
+    const std::errc error = std::from_chars(&digit, &digit + 1, value, base).ec;
+    return error == std::errc() ? std::optional(value) : std::nullopt;
 }
 
 // Character of the code between "&#" and ";"; the code may be of any length.
