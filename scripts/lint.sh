@@ -1,6 +1,9 @@
 #!/bin/bash
 # Checks the form of the sources, and looks for what compilers let pass. Needs a configured
 # release build (the compile commands).
+#
+#   scripts/lint.sh           what is quick enough for every run
+#   scripts/lint.sh --tests   clang-tidy on all tests as well, which takes a quarter of an hour
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 cd "$root"
@@ -26,11 +29,17 @@ cppcheck_folders warning,performance,portability 'tests/*'
 printf 'clean: %s files\n' "$(git ls-files 'vpn/*.cpp' 'tools/*.cpp' 'tests/*.cpp' | wc -l)"
 
 step "clang-tidy"
+case "${1:-}" in
+    "") sources=('vpn/*.cpp' 'tools/*.cpp' ':(glob)tests/support/*.cpp') ;;
+    --tests) sources=('vpn/*.cpp' 'tools/*.cpp' 'tests/*.cpp') ;;
+    *) fail "unknown argument: $1" ;;
+esac
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
-# The pattern names our own folders within the repository, whatever folder that is in.
-if ! run-clang-tidy -quiet -p build/release "^$root/(vpn|tools)/.*\.cpp$" >"$log" 2>&1; then
+mapfile -t files < <(git ls-files "${sources[@]}")
+# The patterns name our own files within the repository, whatever folder that is in.
+if ! run-clang-tidy -quiet -p build/release "${files[@]/#/^$root/}" >"$log" 2>&1; then
     grep -E 'error:|warning:|note:' "$log" || cat "$log"
     fail "$current_step"
 fi
-printf 'clean: %s files\n' "$(git ls-files 'vpn/*.cpp' 'tools/*.cpp' | wc -l)"
+printf 'clean: %s files\n' "${#files[@]}"

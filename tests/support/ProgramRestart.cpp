@@ -29,6 +29,7 @@ std::vector<std::string> Arguments() {
 [[noreturn]] void RunAgain() {
     std::vector<std::string> arguments = Arguments();
     std::vector<char*> pointers;
+    pointers.reserve(arguments.size() + 1);
     for (std::string& argument : arguments) {
         pointers.push_back(argument.data());
     }
