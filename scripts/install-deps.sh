@@ -1,8 +1,9 @@
 #!/bin/bash
 # Installs the Debian packages that are missing, and does nothing when none is.
 #
-#   scripts/install-deps.sh           what the program and the demo need
-#   scripts/install-deps.sh --tests   what the tests need as well
+#   scripts/install-deps.sh              what the program and the demo need
+#   scripts/install-deps.sh --tests      what the tests need as well
+#   scripts/install-deps.sh --coverage   ... and what the report of their coverage needs
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
@@ -25,6 +26,7 @@ test_packages=(
 case "${1:-}" in
     "") ;;
     --tests) packages+=("${test_packages[@]}") ;;
+    --coverage) packages+=("${test_packages[@]}" gcovr) ;;
     *) fail "unknown argument: $1" ;;
 esac
 

@@ -5,6 +5,7 @@
 #include <clocale>
 #include <mutex>
 #include <new>
+#include <tuple>
 
 #include "TextDomains.h"
 

@@ -1,0 +1,38 @@
+#!/bin/bash
+# Runs every test with counters in vpn/, and prints which of its lines and branches were run.
+# Fails when that is less than promised, or when a part that reads what others send is not run
+# through and through.
+set -euo pipefail
+source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+
+"$root/scripts/install-deps.sh" --coverage || exit 1
+build coverage
+find "$root/build/coverage" -name '*.gcda' -delete
+run_suites coverage
+
+step "Count"
+cd "$root"
+counts=build/coverage/coverage.json
+# What no test can take: the branches that the compiler adds for exceptions and for the ends of
+# objects, the failures of assertions, the way past a handler of every std::exception, and the lock
+# around the making of a static object.
+gcovr --filter vpn/ --exclude-throw-branches --exclude-unreachable-branches \
+    --exclude-branches-by-pattern '.*\bassert\(.*|.*\bcatch \(const std::exception&.*|\s*static .*' \
+    --json "$counts" build/coverage/vpn build/coverage/tests/unit || fail "$current_step"
+
+# report ARGUMENT...: a table of the counts.
+report() {
+    gcovr --add-tracefile "$counts" "$@"
+}
+
+step "Lines of vpn/, and those that were not run"
+report --fail-under-line 95 || fail "$current_step"
+
+step "Branches of vpn/, and the lines in which one was not taken"
+report --branches --fail-under-branch 85 || fail "$current_step"
+
+step "Parsers"
+parsers='(JsonIpcFrameReader|FlatJson|Browser(Operation|Result|Types)|CookieHeader|MoCatalog'
+parsers+='|CharacterReferences|UserAgent)\.(h|cpp)'
+report --filter "vpn/.*/$parsers" --branches --fail-under-line 100 --fail-under-branch 100 ||
+    fail "$current_step"
