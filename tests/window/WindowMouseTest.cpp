@@ -127,6 +127,26 @@ TEST_F(WindowMouseTest, OpensNoWindowForAScript) {
     EXPECT_THAT(Results(), IsEmpty());
 }
 
+TEST_F(WindowMouseTest, OpensNoWindowForASubmittedForm) {
+    m_server.Serve("/form", {200,
+                             "<body style='margin:0'><form action='/target' target='_blank'>"
+                             "<button style='width:100%;height:600px'>go</button></form>"});
+    ShowPage("/form");
+    bool isAsked = false;
+    const auto noteRequest = +[](WebKitWebView* /*view*/, WebKitNavigationAction* /*action*/,
+                                 bool* asked) -> GtkWidget* {
+        *asked = true;
+        return nullptr;
+    };
+    g_signal_connect(View(), "create", G_CALLBACK(noteRequest), &isAsked);
+    Click(MouseButton::Left);
+    EXPECT_TRUE(RunMainLoopUntil([&] { return isAsked; }));
+    g_signal_handlers_disconnect_by_data(View(), &isAsked);
+    EXPECT_THAT(m_server.RequestLines(), ElementsAre("GET /form"));
+    EXPECT_EQ(CountShownWindows(), 1);
+    EXPECT_THAT(Results(), IsEmpty());
+}
+
 TEST_F(WindowMouseTest, ShowsNoContextMenu) {
     ShowLink("href='/target'");
     int asked = 0;
