@@ -158,6 +158,8 @@ void* Held(void* memory) {
 
 }  // namespace
 
+// The C library names its parameters as no other code may.
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name)
 TK_REPLACES void* malloc(std::size_t size) noexcept {
     return Fails(Call::Allocation, ENOMEM) ? nullptr : Held(__libc_malloc(size));
 }
@@ -185,6 +187,7 @@ TK_REPLACES void* aligned_alloc(std::size_t alignment, std::size_t size) noexcep
 TK_REPLACES int posix_memalign(void** memory, std::size_t alignment, std::size_t size) noexcept {
     void* const held = aligned_alloc(alignment, size);
     *memory = held != nullptr ? held : *memory;
+    // cppcheck-suppress memleak ; it is the caller's now
     return held != nullptr ? 0 : ENOMEM;
 }
 
@@ -378,3 +381,4 @@ TK_REPLACES int pthread_create(pthread_t* thread, const pthread_attr_t* attribut
     TK_HIDDEN(pthread_create);
     return Fails(Call::Thread, EAGAIN) ? EAGAIN : hidden(thread, attributes, function, argument);
 }
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)

@@ -145,7 +145,16 @@ void MsgWithArg::clearArgs() {
     m_arguments.clear();
 }
 
-void MsgWithArg::format(std::string& text, bool translate) const try {
+void MsgWithArg::format(std::string& text, bool translate) const {
+    try {
+        text = Render(translate);
+    } catch (const std::exception& error) {
+        TK_LOG_ERROR("Caught message catalog exception - %s", error.what());
+        text.clear();
+    }
+}
+
+std::string MsgWithArg::Render(bool translate) const {
     std::string message = m_messageId;
     if (translate && m_catalog.empty()) {
         MsgCatalog::getMessage(m_messageId.c_str(), message);
@@ -156,8 +165,5 @@ void MsgWithArg::format(std::string& text, bool translate) const try {
         message = InsertArguments(message, m_arguments);
     }
     MsgCatalog::decodeCharacterReferences(message);
-    text = message;
-} catch (const std::exception& error) {
-    TK_LOG_ERROR("Caught message catalog exception - %s", error.what());
-    text.clear();
+    return message;
 }

@@ -35,6 +35,8 @@ public:
     void format(std::string& text, bool translate) const;
 
 private:
+    [[nodiscard]] std::string Render(bool translate) const;
+
     std::string m_catalog;
     std::string m_messageId;
     std::vector<std::string> m_arguments;

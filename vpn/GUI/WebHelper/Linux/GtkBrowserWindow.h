@@ -102,7 +102,7 @@ private:
                                    GtkBrowserWindow* self);
     static void responsivenessChangedCB(WebKitWebView* webView, GParamSpec* property,
                                         GtkBrowserWindow* self);
-    static gboolean lookForLostLoadCB(gpointer self);
+    static gboolean lookForLostLoadCB(gpointer window);
     static void cookiesChangedCB(WebKitCookieManager* manager, GtkBrowserWindow* self);
     static void onResourceLoadStarted(WebKitWebView* webView, WebKitWebResource* resource,
                                       WebKitURIRequest* request, GtkBrowserWindow* self);

@@ -6,6 +6,7 @@
 
 #include <csignal>
 #include <initializer_list>
+#include <tuple>
 
 #include "AppLog.h"
 #include "ApplicationEnd.h"
@@ -31,7 +32,8 @@ void KeepSecretsPrivate() {
 }
 
 void QuitOnSignals(GtkApplication* application) {
-    std::signal(SIGPIPE, SIG_IGN);
+    // It fails for numbers that are no signals alone.
+    std::ignore = std::signal(SIGPIPE, SIG_IGN);
     for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
         g_unix_signal_add(number, signalCB, application);
     }
