@@ -47,6 +47,16 @@ std::string ProgramOf(pid_t process) {
     return fs::read_symlink("/proc/" + std::to_string(process) + "/exe", error).filename();
 }
 
+std::set<pid_t> DescendantsRunning(pid_t ancestor, const std::string& program) {
+    std::set<pid_t> running;
+    for (const pid_t process : Descendants(ancestor)) {
+        if (ProgramOf(process) == program) {
+            running.insert(process);
+        }
+    }
+    return running;
+}
+
 bool IsAsleep(pid_t process) {
     std::error_code error;
     const fs::directory_iterator threads("/proc/" + std::to_string(process) + "/task", error);

@@ -11,5 +11,8 @@
 /// The name of a process's program, "WebKitWebProcess" say; empty once the process has ended.
 [[nodiscard]] std::string ProgramOf(pid_t process);
 
+/// The descendants of a process that run a program of that name, the dead not counted.
+[[nodiscard]] std::set<pid_t> DescendantsRunning(pid_t ancestor, const std::string& program);
+
 /// Whether each thread of a process sleeps at this moment.
 [[nodiscard]] bool IsAsleep(pid_t process);

@@ -8,6 +8,7 @@
 
 #include "AppLog.h"
 #include "BuiltInMessages.h"
+#include "EngineProcessesEnd.h"
 #include "GObjectPtr.h"
 #include "GtkBrowserController.h"
 #include "InstallRoot.h"
@@ -38,6 +39,8 @@ bool CreateController(GApplication* application, std::uint16_t port) {
     // One controller for the whole process, deleted at its end. A second command line finds the
     // holder filled and is refused on purpose.
     bool ok = false;
+    // Made first, so that it is destroyed behind the controller.
+    static const CEngineProcessesEnd engineProcessesEnd;
     static const std::unique_ptr<GtkBrowserController> controller =
         std::make_unique<GtkBrowserController>(GTK_APPLICATION(application), port, ok);
     return ok;

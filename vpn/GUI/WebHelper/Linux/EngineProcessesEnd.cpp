@@ -1,0 +1,52 @@
+#include "EngineProcessesEnd.h"
+
+#include <sys/types.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <system_error>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// A child belongs to the thread that started it, and is listed there.
+std::vector<pid_t> Children() {
+    std::vector<pid_t> children;
+    std::error_code error;
+    for (fs::directory_iterator thread("/proc/self/task", error);
+         !error && thread != fs::directory_iterator(); thread.increment(error)) {
+        std::ifstream list(thread->path() / "children");
+        for (pid_t child = 0; list >> child;) {
+            children.push_back(child);
+        }
+    }
+    return children;
+}
+
+std::string ProgramOf(pid_t process) {
+    std::error_code error;
+    return fs::read_symlink("/proc/" + std::to_string(process) + "/exe", error).filename();
+}
+
+void End(pid_t process) {
+    const std::string program = ProgramOf(process);
+    if (program == "WebKitWebProcess") {
+        // It keeps nothing that could be lost, and kills through any stop.
+        kill(process, SIGKILL);
+    } else if (program == "WebKitNetworkProcess") {
+        // It writes the cookies: awake, it notices our end and ends with its work done.
+        kill(process, SIGCONT);
+    }
+}
+
+}  // namespace
+
+CEngineProcessesEnd::~CEngineProcessesEnd() {
+    for (const pid_t child : Children()) {
+        End(child);
+    }
+}
