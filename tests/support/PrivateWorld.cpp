@@ -5,6 +5,7 @@
 #include <pwd.h>
 #include <sched.h>
 #include <sys/mount.h>
+#include <sys/statvfs.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -47,6 +48,20 @@ void WriteFile(const fs::path& path, const std::string& text) {
 void Bind(const fs::path& source, const fs::path& target) {
     Check(mount(source.c_str(), target.c_str(), nullptr, MS_BIND | MS_REC, nullptr) == 0,
           "mount " + target.string());
+}
+
+// What a mount in another user's namespace forbids besides writing has to stay forbidden.
+void BindReadOnly(const fs::path& source, const fs::path& folder) {
+    fs::create_directories(folder);
+    Bind(source, folder);
+    struct statvfs disk {};
+    Check(statvfs(folder.c_str(), &disk) == 0, "look at " + folder.string());
+    unsigned long flags = MS_REMOUNT | MS_BIND | MS_RDONLY;
+    flags |= (disk.f_flag & ST_NOSUID) != 0 ? MS_NOSUID : 0;
+    flags |= (disk.f_flag & ST_NODEV) != 0 ? MS_NODEV : 0;
+    flags |= (disk.f_flag & ST_NOEXEC) != 0 ? MS_NOEXEC : 0;
+    Check(mount(nullptr, folder.c_str(), nullptr, flags, nullptr) == 0,
+          "make read-only " + folder.string());
 }
 
 // Only a user namespace lets an ordinary user mount; the ids in it stay what they are outside.
@@ -177,9 +192,16 @@ void Enter(const PrivateWorld& world) {
         Bind(world.libraryCatalogs, kLibraryCatalogs);
     }
     if (!world.smallDisk.empty()) {
+        fs::create_directories(world.smallDisk);
         Check(mount("tmpfs", world.smallDisk.c_str(), "tmpfs", MS_NOSUID | MS_NODEV,
                     "size=64k,mode=0777") == 0,
               "mount " + world.smallDisk);
+    }
+    if (!world.readOnlyFolder.empty()) {
+        BindReadOnly(world.readOnlySource, world.readOnlyFolder);
+    }
+    for (const auto& [covered, file] : world.coveredFiles) {
+        Bind(file, covered);
     }
     if (geteuid() != 0) {
         DropCapabilities();

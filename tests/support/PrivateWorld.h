@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <string>
 
 /// Which pieces of the machine a test program gets a copy of its own of.
@@ -14,8 +15,14 @@ struct PrivateWorld {
     std::string trustedCertificates;
     /// A folder that takes the place of the libraries' catalogues; empty leaves the machine's.
     std::string libraryCatalogs;
-    /// A folder that becomes an empty disk of 64 KiB, which is soon full; empty makes none.
+    /// A folder that becomes an empty disk of 64 KiB, which is soon full; made when there is none.
+    /// Empty makes no disk.
     std::string smallDisk;
+    /// A folder that cannot be written, even by root, and where it is seen so; empty makes none.
+    std::string readOnlySource;
+    std::string readOnlyFolder;
+    /// Files that others take the place of, by the path of the one that is covered.
+    std::map<std::string, std::string> coveredFiles;
 };
 
 /// Moves the process into a mount namespace of its own, where it and its children see these

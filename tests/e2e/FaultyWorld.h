@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+
+#include "PrivateWorld.h"
+#include "TemporaryFolder.h"
+
+/// A disk of 64 KiB.
+constexpr const char* kSmallDisk = "/home/small-disk";
+/// A folder that cannot be written, in which an empty cookie store stands.
+constexpr const char* kReadOnlyFolder = "/home/read-only";
+constexpr const char* kCookieStore = "tkwebhelper.cookies.sqlite";
+
+/// What the tests of faults need besides a world of their own: two disks, and the engine's programs
+/// as copies that a test may spoil. One for the whole program; made at the start of main.
+class FaultyWorld {
+public:
+    static FaultyWorld& Get();
+
+    /// The world to enter.
+    [[nodiscard]] PrivateWorld Describe() const;
+
+    /// The file that is run as this program of the engine.
+    [[nodiscard]] std::string Program(const std::string& name) const;
+
+private:
+    FaultyWorld();
+
+    TemporaryFolder m_folder;
+};
