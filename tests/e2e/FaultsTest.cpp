@@ -1,0 +1,276 @@
+// What the program needs of its surroundings, and does not get.
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+
+#include "Catalogs.h"
+#include "FaultyWorld.h"
+#include "FileDescriptor.h"
+#include "HelperTest.h"
+#include "ProcessFamily.h"
+#include "VirtualDisplay.h"
+#include "WaitUntil.h"
+#include "Waiting.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using testing::AnyOf;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class Faults : public HelperTest {
+protected:
+    void Browse(const std::string& path, const std::string& timeout = "0") {
+        Send(OperationText({{"operation", "browse"},
+                            {"timeout", timeout},
+                            {"url", m_server.Url(path)},
+                            {"final_url", m_server.Url(path)}}));
+    }
+
+    void ExpectGoodPage() {
+        m_server.ServePage("/good", "good");
+        Browse("/good");
+        EXPECT_EQ(NextResult(), "success");
+    }
+
+    static void ExpectGone(const std::set<pid_t>& processes) {
+        for (const pid_t process : processes) {
+            EXPECT_TRUE(PollUntil([&] { return ProgramOf(process).empty(); }));
+        }
+    }
+};
+
+/// One program of the engine cannot be started.
+class MissingProgram : public Faults {
+protected:
+    ~MissingProgram() override {
+        for (const std::string& file : m_spoilt) {
+            fs::permissions(file, fs::perms::owner_all);
+        }
+    }
+
+    void Spoil(const std::string& name) {
+        m_spoilt.push_back(FaultyWorld::Get().Program(name));
+        fs::permissions(m_spoilt.back(), fs::perms::owner_read);
+    }
+
+private:
+    std::vector<std::string> m_spoilt;
+};
+
+}  // namespace
+
+TEST_F(Faults, WithoutADisplayTheProgramEndsAtOnce) {
+    ASSERT_NO_FATAL_FAILURE(Launch({AgentPort()}, {{"DISPLAY", std::nullopt}}));
+    EXPECT_EQ(AwaitPromptEnd(), "exited with status 1");
+    EXPECT_THAT(LogLines(), IsEmpty());
+}
+
+TEST_F(Faults, WithADisplayThatIsNotThereTheProgramEndsAtOnce) {
+    ASSERT_NO_FATAL_FAILURE(Launch({AgentPort()}, {{"DISPLAY", ":60999"}}));
+    EXPECT_EQ(AwaitPromptEnd(), "exited with status 1");
+    EXPECT_THAT(LogLines(), IsEmpty());
+}
+
+TEST_F(Faults, ALostDisplayEndsTheProgramAndItsChildren) {
+    const std::string original = std::getenv("DISPLAY");
+    std::optional<VirtualDisplay> display(std::in_place);
+    setenv("DISPLAY", original.c_str(), 1);
+    ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady({{"DISPLAY", display->Name()}}));
+    ExpectGoodPage();
+    const std::set<pid_t> children = Descendants(m_helper.Pid());
+    EXPECT_FALSE(children.empty());
+    display.reset();
+    EXPECT_EQ(AwaitPromptEnd(), "exited with status 1");
+    ExpectGone(children);
+}
+
+// The engine itself gives up then. What counts is that the agent learns of it at once.
+TEST_F(MissingProgram, OfTheNetworkEndsTheProgramBeforeItIsReady) {
+    Spoil("WebKitNetworkProcess");
+    ASSERT_NO_FATAL_FAILURE(LaunchAndAccept());
+    EXPECT_EQ(NextResult(), "(closed)");
+    EXPECT_EQ(AwaitPromptEnd(), "was killed by SIGTRAP");
+}
+
+TEST_F(MissingProgram, OfPagesEndsTheProgramWithItsFirstPage) {
+    Spoil("WebKitWebProcess");
+    ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
+    Browse("/good");
+    const std::set<pid_t> children = Descendants(m_helper.Pid());
+    EXPECT_EQ(NextResult(), "(closed)");
+    EXPECT_EQ(AwaitPromptEnd(), "was killed by SIGTRAP");
+    ExpectGone(children);
+}
+
+TEST_F(Faults, ASignalOfABrokenPipeDoesNothing) {
+    ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
+    m_helper.Signal(SIGPIPE);
+    ExpectGoodPage();
+    EXPECT_EQ(Terminate(), "exited with status 0");
+}
+
+TEST_F(Faults, AnErrorStreamThatNobodyReadsIsNoBrokenPipe) {
+    std::array<int, 2> ends{};
+    ASSERT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
+    const FileDescriptor writing(ends[1]);
+    close(ends[0]);
+    LaunchCommand command;
+    command.arguments = {TKWEBHELPER_PATH, AgentPort()};
+    // The toolkit complains of it, there.
+    command.environment = {{"DISPLAY", std::nullopt}};
+    command.error = writing.Get();
+    std::string reason;
+    ASSERT_TRUE(m_helper.Start(command, reason)) << reason;
+    EXPECT_EQ(AwaitPromptEnd(), "exited with status 1");
+}
+
+TEST_F(Faults, WithoutASystemLogTheProgramWorks) {
+    ASSERT_TRUE(fs::remove("/dev/log"));
+    ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
+    ExpectGoodPage();
+    SendBytes(std::string(9, '\0'));
+    Send(R"({"operation":"reset"})");
+    EXPECT_EQ(NextResult(), "ready");
+    EXPECT_EQ(Terminate(), "exited with status 0");
+    EXPECT_THAT(LogLines(), IsEmpty());
+}
+
+namespace {
+
+/// The suite's files are not what they should be.
+class FaultyInstallation : public Faults {
+protected:
+    ~FaultyInstallation() override { fs::remove_all("/opt/velto"); }
+
+    void ExpectUndisturbedSession(const Environment& environment = {}) {
+        ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady(environment));
+        EXPECT_EQ(m_screen.Title(ShowWaitingPage()), "Velto Tunnelkeep Login");
+        ExpectGoodPage();
+        EXPECT_EQ(Terminate(), "exited with status 0");
+        EXPECT_THAT(LogLines(),
+                    ElementsAre("I Initiating IPC connection to 127.0.0.1:" + AgentPort() + "...",
+                                "I IPC connection established",
+                                "I Successfully stopped io service thread"));
+    }
+};
+
+}  // namespace
+
+TEST_F(FaultyInstallation, OfNothingIsNoMatter) {
+    EXPECT_FALSE(fs::exists("/opt/velto"));
+    ExpectUndisturbedSession();
+}
+
+TEST_F(FaultyInstallation, WithAnIconThatIsNoneIsNoMatter) {
+    WriteFile("/opt/velto/tunnelkeep/resources/vpnui128.png", "\x89PNG\r\n\x1A\ngarbage");
+    ExpectUndisturbedSession();
+}
+
+TEST_F(FaultyInstallation, WithAnIconThatIsAFolderIsNoMatter) {
+    fs::create_directories("/opt/velto/tunnelkeep/resources/vpnui128.png");
+    ExpectUndisturbedSession();
+}
+
+TEST_F(FaultyInstallation, WithCataloguesThatCannotBeReadIsNoMatter) {
+    UseTestLocales();
+    fs::create_directories("/opt/velto/tunnelkeep");
+    // A loop, which keeps root out, too.
+    fs::create_symlink("l10n", "/opt/velto/tunnelkeep/l10n");
+    ExpectUndisturbedSession({{"LC_ALL", "de_DE.UTF-8"}, {"LANGUAGE", std::nullopt}});
+}
+
+TEST_F(FaultyInstallation, WithACatalogueThatIsAFolderIsNoMatter) {
+    UseTestLocales();
+    fs::create_directories(CatalogPath("/opt/velto/tunnelkeep/l10n", "de_DE.UTF-8", "Tunnelkeep"));
+    ExpectUndisturbedSession({{"LC_ALL", "de_DE.UTF-8"}, {"LANGUAGE", std::nullopt}});
+}
+
+namespace {
+
+/// Descriptors run out. The engine often gives up then; what counts is that it does so at once.
+class FewDescriptors : public Faults {
+protected:
+    /// From now on the program gets no descriptor but so many more.
+    void LimitTo(rlim_t more) const {
+        const std::string folder = "/proc/" + std::to_string(m_helper.Pid()) + "/fd";
+        rlim_t highest = 0;
+        for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
+            highest = std::max<rlim_t>(highest, std::stoul(entry.path().filename()));
+        }
+        const rlimit limit{highest + 1 + more, highest + 1 + more};
+        EXPECT_EQ(prlimit(m_helper.Pid(), RLIMIT_NOFILE, &limit, nullptr), 0);
+    }
+
+    /// A page that comes, a page that fails, or the program's end.
+    void ExpectResultOrEnd() {
+        m_server.ServePage("/good", "good");
+        Browse("/good");
+        const std::set<pid_t> children = Descendants(m_helper.Pid());
+        const std::string result = NextResult();
+        EXPECT_THAT(result, AnyOf("success", "error_unknown", "(closed)"));
+        if (result != "(closed)") {
+            Send(R"({"operation":"terminate"})");
+        }
+        EXPECT_NE(AwaitPromptEnd(), "still runs");
+        ExpectGone(children);
+    }
+};
+
+class FewDescriptorsAtStart : public FewDescriptors, public testing::WithParamInterface<int> {};
+
+}  // namespace
+
+TEST_P(FewDescriptorsAtStart, EndTheProgramOrLetItWork) {
+    LaunchCommand command;
+    command.arguments = {"/bin/sh", "-c",
+                         "ulimit -n " + std::to_string(GetParam()) + " && exec \"$0\" \"$1\"",
+                         TKWEBHELPER_PATH, AgentPort()};
+    std::string reason;
+    ASSERT_TRUE(m_helper.Start(command, reason)) << reason;
+    const auto first =
+        WaitReadable({m_helper.EndDescriptor(), m_agent.Descriptor()}, DeadlineIn(kTestDeadline));
+    ASSERT_TRUE(first.has_value());
+    if (*first == 1) {
+        auto connection = m_agent.Accept(DeadlineIn(kTestDeadline));
+        ASSERT_TRUE(connection.has_value());
+        CBrowserResult result;
+        EXPECT_THAT(connection->ReceiveResult(result, DeadlineIn(kTestDeadline)),
+                    AnyOf(ReceiveOutcome::Received, ReceiveOutcome::Closed));
+    }
+    EXPECT_NE(AwaitPromptEnd(), "still runs");
+}
+
+INSTANTIATE_TEST_SUITE_P(Limits, FewDescriptorsAtStart,
+                         testing::Values(3, 5, 7, 8, 10, 14, 20, 30));
+
+TEST_F(FewDescriptors, BeforeTheFirstPageEndTheProgramOrLetItWork) {
+    ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
+    LimitTo(0);
+    ExpectResultOrEnd();
+}
+
+TEST_F(FewDescriptors, BetweenPagesEndTheProgramOrLetItWork) {
+    ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
+    ExpectGoodPage();
+    LimitTo(0);
+    ExpectResultOrEnd();
+}
+
+TEST_F(FewDescriptors, WhenTheWebProcessDiesEndTheProgramOrLetItWork) {
+    ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
+    ExpectGoodPage();
+    LimitTo(0);
+    for (const pid_t process : DescendantsRunning(m_helper.Pid(), "WebKitWebProcess")) {
+        kill(process, SIGKILL);
+    }
+    ExpectResultOrEnd();
+}
