@@ -1,5 +1,7 @@
 // The engine's processes die, at every stage of an operation and between two.
 
+#include <csignal>
+
 #include "EngineProcesses.h"
 #include "WindowTest.h"
 
@@ -78,6 +80,20 @@ TEST_F(WindowProcessesTest, ALoadThatIsLostWithTheDyingProcessIsAskedForAgain) {
     Send(Operation::Browse(m_server.Url("/next"), m_server.Url("/next")));
     ASSERT_TRUE(WaitForResults(2));
     EXPECT_THAT(Results(), ElementsAre("success", "success"));
+}
+
+TEST_F(WindowProcessesTest, AProcessThatFrozeBetweenOperationsDoesNotHoldUpTheNext) {
+    ExpectGoodPage(0);
+    for (const pid_t process : FindEngineProcesses(EngineProcess::web)) {
+        ASSERT_EQ(kill(process, SIGSTOP), 0);
+    }
+    // The engine notices when it has asked something of the process.
+    webkit_web_view_stop_loading(View());
+    ASSERT_TRUE(RunMainLoopUntil(
+        [this] { return webkit_web_view_get_is_web_process_responsive(View()) == FALSE; }));
+    ExpectGoodPage(1);
+    EXPECT_THAT(LogLines(),
+                ElementsAre("E The web process was terminated, URI = " + m_server.Url("/good")));
 }
 
 TEST_F(WindowProcessesTest, AResetWorksAfterADeath) {

@@ -248,6 +248,10 @@ bool GtkBrowserWindow::isLoadToCome() const {
 }
 
 void GtkBrowserWindow::askForLoad() {
+    // Known to be unresponsive before, the process is not reported again.
+    if (!webkit_web_view_get_is_web_process_responsive(m_webView.get())) {
+        webkit_web_view_terminate_web_process(m_webView.get());
+    }
     m_loadPhase = LoadPhase::asked;
     webkit_web_view_load_uri(m_webView.get(), m_url.c_str());
 }
