@@ -18,7 +18,10 @@ using testing::ElementsAre;
 
 class FaultyStore : public HelperTest {
 protected:
-    FaultyStore() { fs::create_directory(Folder()); }
+    FaultyStore() {
+        fs::remove_all(Folder());
+        fs::create_directory(Folder());
+    }
     ~FaultyStore() override { fs::remove_all(Folder()); }
 
     static std::string Folder() { return std::getenv("HOME") + std::string("/.velto"); }
