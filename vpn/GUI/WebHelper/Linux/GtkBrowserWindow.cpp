@@ -1,18 +1,14 @@
 #include "GtkBrowserWindow.h"
 
 #include <libsoup/soup.h>
-#include <pwd.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cstring>
 #include <limits>
 
 #include "AppLog.h"
 #include "BuiltInMessages.h"
 #include "CookieHeader.h"
-#include "DirectoryPath.h"
+#include "CookieStorage.h"
 #include "InstallRoot.h"
 #include "MsgCatalog.h"
 #include "PageOutcome.h"
@@ -26,13 +22,6 @@ constexpr int kWindowWidth = 1000;
 constexpr int kWindowHeight = 600;
 constexpr guint kMiddleButton = 2;
 constexpr char kWindowIcon[] = "/resources/vpnui128.png";
-constexpr char kCookieFile[] = "tkwebhelper.cookies.sqlite";
-
-// The folder of the user's data; empty when the password database knows no home.
-std::string DataDirectory() {
-    const passwd* const user = getpwuid(geteuid());
-    return user != nullptr ? std::string(user->pw_dir) + "/.velto/" : "";
-}
 
 // The window does without an icon where the suite's resources are missing.
 void SetWindowIcon(GtkWindow* window) {
@@ -105,23 +94,7 @@ void GtkBrowserWindow::init(GtkApplication* application) {
     m_cookieManager = webkit_web_context_get_cookie_manager(m_webContext.get());
     g_signal_connect(m_cookieManager, "changed", G_CALLBACK(cookiesChangedCB), this);
     m_cookieStore.emplace(m_cookieManager);
-    initCookieStorage();
-}
-
-void GtkBrowserWindow::initCookieStorage() {
-    const std::string directory = DataDirectory();
-    if (!MakeDirectoryPath(directory.c_str())) {
-        TK_LOG_WARNING("Unable to create data directory %s", directory.c_str());
-        return;
-    }
-    const std::string file = directory + kCookieFile;
-    // A new one is private by the process's file mode mask; one of old may not be.
-    chmod(file.c_str(), S_IRUSR | S_IWUSR);
-    webkit_cookie_manager_set_persistent_storage(m_cookieManager, file.c_str(),
-                                                 WEBKIT_COOKIE_PERSISTENT_STORAGE_SQLITE);
-    // Set here only: without a store the engine's own policy stays on purpose.
-    webkit_cookie_manager_set_accept_policy(m_cookieManager,
-                                            WEBKIT_COOKIE_POLICY_ACCEPT_NO_THIRD_PARTY);
+    KeepCookiesInHome(m_cookieManager);
 }
 
 void GtkBrowserWindow::initWebView() {
@@ -248,6 +221,7 @@ bool GtkBrowserWindow::isLoadToCome() const {
 }
 
 void GtkBrowserWindow::askForLoad() {
+    m_loadPhase = LoadPhase::waiting;
     // Known to be unresponsive before, the process is not reported again.
     if (!webkit_web_view_get_is_web_process_responsive(m_webView.get())) {
         webkit_web_view_terminate_web_process(m_webView.get());

@@ -61,7 +61,6 @@ private:
     };
 
     void init(GtkApplication* application);
-    void initCookieStorage();
     void initWebView();
     void connectWebViewSignals();
     void updateUserAgent(const std::string& userAgent);
