@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 
 #include "FaultyWorld.h"
 #include "FileDescriptor.h"
@@ -116,7 +117,7 @@ TEST_F(FaultyStore, ThatIsAFolderDisturbsNoOperation) {
 
 TEST_F(FaultyStore, ThatCannotBeWrittenDisturbsNoOperation) {
     MoveFolderTo(kReadOnlyFolder);
-    EXPECT_EQ(open(Store().c_str(), O_RDWR | O_CLOEXEC), -1);
+    EXPECT_FALSE(std::ofstream(Store(), std::ios::app).is_open());
     ExpectUndisturbedSession();
     EXPECT_EQ(fs::file_size(Store()), 0U);
 }
