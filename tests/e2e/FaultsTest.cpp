@@ -28,16 +28,9 @@ using testing::IsEmpty;
 
 class Faults : public HelperTest {
 protected:
-    void Browse(const std::string& path, const std::string& timeout = "0") {
-        Send(OperationText({{"operation", "browse"},
-                            {"timeout", timeout},
-                            {"url", m_server.Url(path)},
-                            {"final_url", m_server.Url(path)}}));
-    }
-
     void ExpectGoodPage() {
         m_server.ServePage("/good", "good");
-        Browse("/good");
+        BrowseTo("/good");
         EXPECT_EQ(NextResult(), "success");
     }
 
@@ -104,7 +97,7 @@ TEST_F(MissingProgram, OfTheNetworkEndsTheProgramBeforeItIsReady) {
 TEST_F(MissingProgram, OfPagesEndsTheProgramWithItsFirstPage) {
     Spoil("WebKitWebProcess");
     ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
-    Browse("/good");
+    BrowseTo("/good");
     const std::set<pid_t> children = Descendants(m_helper.Pid());
     EXPECT_EQ(NextResult(), "(closed)");
     EXPECT_EQ(AwaitPromptEnd(), "was killed by SIGTRAP");
@@ -213,7 +206,7 @@ protected:
     /// A page that comes, a page that fails, or the program's end.
     void ExpectResultOrEnd() {
         m_server.ServePage("/good", "good");
-        Browse("/good");
+        BrowseTo("/good");
         const std::set<pid_t> children = Descendants(m_helper.Pid());
         const std::string result = NextResult();
         EXPECT_THAT(result, AnyOf("success", "error_unknown", "(closed)"));

@@ -16,13 +16,6 @@ class FaultyPages : public HelperTest {
 protected:
     void SetUp() override { ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady()); }
 
-    void Browse(const std::string& path, const std::string& timeout = "0") {
-        Send(OperationText({{"operation", "browse"},
-                            {"timeout", timeout},
-                            {"url", m_server.Url(path)},
-                            {"final_url", m_server.Url(path)}}));
-    }
-
     /// It has not kept what it was sent, which it would have on top of its usual 70 MB.
     void ExpectModestNetworkProcess() const {
         constexpr long kKibibytes = 96L << 10;
@@ -33,7 +26,7 @@ protected:
 
     void ExpectGoodPageAndEnd() {
         m_server.ServePage("/good", "good");
-        Browse("/good");
+        BrowseTo("/good");
         EXPECT_EQ(NextResult(), "success");
         EXPECT_EQ(Terminate(), "exited with status 0");
     }
@@ -51,7 +44,7 @@ void SendEndlessly(HttpExchange& exchange, const std::string& head, const std::s
 
 TEST_F(FaultyPages, RedirectionsWithoutEndEndTheOperation) {
     m_server.Redirect("/circle", "/circle");
-    Browse("/circle");
+    BrowseTo("/circle");
     EXPECT_EQ(NextResult(), "error_unknown");
     EXPECT_THAT(LogLines(), Contains(StartsWith("E Failed to load page: ")));
     ExpectGoodPageAndEnd();
@@ -61,7 +54,7 @@ TEST_F(FaultyPages, RedirectionsToEverNewPagesEndTheOperation) {
     m_server.Handle("/chain", [](HttpExchange& exchange) {
         exchange.Respond({302, "", "text/html", {{"Location", exchange.Request().target + "x"}}});
     });
-    Browse("/chain?");
+    BrowseTo("/chain?");
     EXPECT_EQ(NextResult(), "error_unknown");
     ExpectGoodPageAndEnd();
 }
@@ -72,7 +65,7 @@ TEST_F(FaultyPages, HeadersWithoutEndEndTheOperation) {
     m_server.Handle("/headers", [header](HttpExchange& exchange) {
         SendEndlessly(exchange, "HTTP/1.1 200 OK\r\n", header);
     });
-    Browse("/headers");
+    BrowseTo("/headers");
     EXPECT_EQ(NextResult(), "error_unknown");
     ExpectModestNetworkProcess();
     ExpectGoodPageAndEnd();
@@ -83,7 +76,7 @@ TEST_F(FaultyPages, AHeaderWithoutEndEndsTheOperation) {
     m_server.Handle("/header", [piece](HttpExchange& exchange) {
         SendEndlessly(exchange, "HTTP/1.1 200 OK\r\nX-Header: ", piece);
     });
-    Browse("/header");
+    BrowseTo("/header");
     EXPECT_EQ(NextResult(), "error_unknown");
     ExpectModestNetworkProcess();
     ExpectGoodPageAndEnd();
@@ -94,7 +87,7 @@ TEST_F(FaultyPages, AHeaderThatStopsDoesNotHoldUpTheTimeout) {
         exchange.SendRaw("HTTP/1.1 200 OK\r\nX-Header: x");
         exchange.WaitForRelease();
     });
-    Browse("/half", "1");
+    BrowseTo("/half", "1");
     EXPECT_EQ(NextResult(), "error_timeout");
     ExpectGoodPageAndEnd();
 }
@@ -104,7 +97,7 @@ TEST_F(FaultyPages, ABodyWithoutEndDoesNotHoldUpTheTimeout) {
     m_server.Handle("/body", [piece](HttpExchange& exchange) {
         SendEndlessly(exchange, "HTTP/1.1 200 OK\r\nContent-Type: text/html\r\n\r\n", piece);
     });
-    Browse("/body", "1");
+    BrowseTo("/body", "1");
     EXPECT_EQ(NextResult(), "error_timeout");
     ExpectGoodPageAndEnd();
 }

@@ -95,6 +95,13 @@ void HelperTest::SendBytes(const std::string& bytes) {
     ASSERT_TRUE(m_connection->SendBytes(bytes));
 }
 
+void HelperTest::BrowseTo(const std::string& path, const std::string& timeout) {
+    Send(OperationText({{"operation", "browse"},
+                        {"timeout", timeout},
+                        {"url", m_server.Url(path)},
+                        {"final_url", m_server.Url(path)}}));
+}
+
 std::string HelperTest::NextResult() {
     CBrowserResult result;
     const ReceiveOutcome outcome = m_connection->ReceiveResult(result, DeadlineIn(kTestDeadline));

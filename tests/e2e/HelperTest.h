@@ -39,6 +39,8 @@ protected:
     [[nodiscard]] CHelperConnection& Connection() { return *m_connection; }
     void Send(const std::string& payload);
     void SendBytes(const std::string& bytes);
+    /// Asks for a page of the web server, which is also the final one. The timeout is in seconds.
+    void BrowseTo(const std::string& path, const std::string& timeout = "0");
 
     /// The next result as "success" or "success_with_cookie value"; "(closed)", "(timed out)" or
     /// "(garbled)" when there is none.

@@ -84,16 +84,9 @@ protected:
         }
     }
 
-    void Browse(const std::string& path, const std::string& timeout = "0") {
-        Send(OperationText({{"operation", "browse"},
-                            {"timeout", timeout},
-                            {"url", m_server.Url(path)},
-                            {"final_url", m_server.Url(path)}}));
-    }
-
     /// The next operation works as if nothing had happened.
     void ExpectGoodPage() {
-        Browse("/good");
+        BrowseTo("/good");
         EXPECT_EQ(NextResult(), "success");
     }
 
@@ -162,7 +155,7 @@ TEST_F(Moments, OfThePageEachEndACookieOperationOnceToo) {
 
 TEST_F(ProcessFaults, AFrozenWebProcessDoesNotHoldUpTheTimeout) {
     m_server.ServeHalfUntilRelease("/half", {200, "<img src='/x'>" + std::string(8000, ' ')});
-    Browse("/half", "1");
+    BrowseTo("/half", "1");
     ASSERT_TRUE(m_server.WaitForRequest("/x"));
     Signal(kWebProcess, SIGSTOP);
     EXPECT_EQ(NextResult(), "error_timeout");
@@ -185,7 +178,7 @@ TEST_F(ProcessFaults, AFrozenNetworkProcessDoesNotOutliveTheProgram) {
 TEST_F(ProcessFaults, AFrozenNetworkProcessDoesNotHoldUpTheTimeout) {
     ExpectGoodPage();
     Signal(kNetworkProcess, SIGSTOP);
-    Browse("/good", "1");
+    BrowseTo("/good", "1");
     EXPECT_EQ(NextResult(), "error_timeout");
     Signal(kNetworkProcess, SIGCONT);
     ExpectGoodPage();
@@ -194,7 +187,7 @@ TEST_F(ProcessFaults, AFrozenNetworkProcessDoesNotHoldUpTheTimeout) {
 TEST_F(ProcessFaults, AnEndlessScriptDoesNotOutliveTheProgram) {
     m_server.ServePage("/endless",
                        "<script>navigator.sendBeacon('/running', 'x'); for (;;) {}</script>");
-    Browse("/endless", "1");
+    BrowseTo("/endless", "1");
     ASSERT_TRUE(m_server.WaitForRequest("/running"));
     EXPECT_EQ(NextResult(), "error_timeout");
     ExpectEndWithoutChildren();

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "WindowTest.h"
+#include "KeyboardTest.h"
 
 namespace {
 
@@ -12,39 +12,9 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pointwise;
 
-/// Keys go through the X server to the window that has the keyboard, as a person's do.
-class WindowKeyboardTest : public OpenWindowTest {
+class WindowKeyboardTest : public KeyboardTest {
 protected:
-    WindowKeyboardTest() {
-        m_server.ServePage("/page", "hello");
-        m_server.ServePage("/next", "hello");
-    }
-
-    void ShowAndFocus(const std::string& path) {
-        ShowPage(path);
-        FocusWindow();
-        g_signal_connect_swapped(
-            View(), "notify::zoom-level",
-            G_CALLBACK(+[](WindowKeyboardTest* self, GParamSpec*, WebKitWebView* view) {
-                self->m_zoomLevels.push_back(webkit_web_view_get_zoom_level(view));
-            }),
-            this);
-    }
-
-    void PressWithControl(guint key, int times = 1) {
-        for (int i = 0; i < times; ++i) {
-            m_screen.Press({GDK_KEY_Control_L, key});
-        }
-    }
-
-    bool WaitForZoomLevels(std::size_t count) const {
-        return RunMainLoopUntil([&] { return m_zoomLevels.size() >= count; });
-    }
-
     double ZoomLevel() const { return webkit_web_view_get_zoom_level(View()); }
-
-    // Every level that the view has had, in order.
-    std::vector<double> m_zoomLevels;
 };
 
 // 1.1 to the power of each of these.

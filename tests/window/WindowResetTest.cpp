@@ -1,6 +1,6 @@
 #include <gdk/gdkkeysyms.h>
 
-#include "WindowTest.h"
+#include "KeyboardTest.h"
 
 namespace {
 
@@ -11,7 +11,7 @@ using testing::IsEmpty;
 
 constexpr std::size_t kManyTimes = 1000;
 
-class WindowResetTest : public OpenWindowTest {
+class WindowResetTest : public KeyboardTest {
 protected:
     void Reset() {
         const std::size_t before = Results().size();
@@ -55,33 +55,7 @@ protected:
 };
 
 /// Keys that a person presses after a reset.
-class WindowResetKeysTest : public WindowResetTest {
-protected:
-    WindowResetKeysTest() {
-        m_server.ServePage("/page", "hello");
-        m_server.ServePage("/next", "hello");
-    }
-
-    void ShowAndFocus(const std::string& path) {
-        ShowPage(path);
-        FocusWindow();
-        g_signal_connect_swapped(
-            View(), "notify::zoom-level",
-            G_CALLBACK(+[](WindowResetKeysTest* self, GParamSpec*, WebKitWebView* view) {
-                self->m_zoomLevels.push_back(webkit_web_view_get_zoom_level(view));
-            }),
-            this);
-    }
-
-    void PressWithControl(guint key) { m_screen.Press({GDK_KEY_Control_L, key}); }
-
-    bool WaitForZoomLevels(std::size_t count) const {
-        return RunMainLoopUntil([&] { return m_zoomLevels.size() >= count; });
-    }
-
-    // Every level that the view has had, in order.
-    std::vector<double> m_zoomLevels;
-};
+using WindowResetKeysTest = WindowResetTest;
 
 auto IsCloseTo(double level) {
     return DoubleNear(level, 1e-9);
