@@ -10,6 +10,7 @@
 #include "CookieHeader.h"
 #include "CookieStorage.h"
 #include "InstallRoot.h"
+#include "MainLoopSource.h"
 #include "MsgCatalog.h"
 #include "PageOutcome.h"
 #include "TlsErrorText.h"
@@ -34,13 +35,6 @@ void SetWindowIcon(GtkWindow* window) {
 // GLib counts the timeout in milliseconds in as many bits as it takes seconds in.
 guint LongestTimeoutAtMost(std::uint32_t seconds) {
     return std::min<guint>(seconds, std::numeric_limits<guint>::max() / 1000);
-}
-
-void RemoveSource(guint& source) {
-    if (source != 0) {
-        g_source_remove(source);
-        source = 0;
-    }
 }
 
 const char* TerminationText(WebKitWebProcessTerminationReason reason) {
@@ -69,7 +63,6 @@ GtkBrowserWindow::GtkBrowserWindow(GtkApplication* application, ResultHandler re
 
 GtkBrowserWindow::~GtkBrowserWindow() {
     RemoveSource(m_timeoutSource);
-    RemoveSource(m_lostLoadSource);
     g_signal_handlers_disconnect_by_data(m_webView.get(), this);
     g_signal_handlers_disconnect_by_data(m_window.get(), this);
     g_signal_handlers_disconnect_by_data(m_cookieManager, this);
@@ -103,6 +96,8 @@ void GtkBrowserWindow::initWebView() {
     connectWebViewSignals();
     m_accelerators = std::make_unique<CAcceleratorSet>(m_acceleratorGroup.get(), m_webView.get());
     m_pageGuard = std::make_unique<CPageGuard>(m_webView.get());
+    m_load = std::make_unique<COperationLoad>(
+        m_webView.get(), [this] { sendFinalResult(BrowserResultType::error_unknown); });
     gtk_drag_dest_unset(widget);
     gtk_container_add(GTK_CONTAINER(m_window.get()), widget);
     GtkWindow* const window = GTK_WINDOW(m_window.get());
@@ -128,8 +123,6 @@ void GtkBrowserWindow::connectWebViewSignals() {
         {"resource-load-started", G_CALLBACK(onResourceLoadStarted)},
         {"decide-policy", G_CALLBACK(onDecidePolicy)},
         {"web-process-terminated", G_CALLBACK(webProcessTerminatedCB)},
-        {"notify::is-loading", G_CALLBACK(isLoadingChangedCB)},
-        {"notify::is-web-process-responsive", G_CALLBACK(responsivenessChangedCB)},
     };
     for (const auto& [signal, handler] : handlers) {
         g_signal_connect(m_webView.get(), signal, handler, this);
@@ -197,14 +190,12 @@ void GtkBrowserWindow::carryOut(const CBrowserOperation& operation) {
 void GtkBrowserWindow::LoadPage(const std::string& url, const std::string& finalUrl,
                                 const std::string& cookieName, const std::string& errorCookieName,
                                 const std::string& userAgent, std::uint32_t timeout) {
-    m_url = url;
+    m_load->Prepare(url);
     m_finalUrl = finalUrl;
     m_cookieMode = !cookieName.empty();
     m_cookieName = cookieName;
     m_errorCookieName = errorCookieName;
     ++m_operationNumber;
-    m_loadRepeated = false;
-    m_loadPhase = LoadPhase::waiting;
     if (!userAgent.empty()) {
         updateUserAgent(userAgent);
     }
@@ -214,20 +205,6 @@ void GtkBrowserWindow::LoadPage(const std::string& url, const std::string& final
         m_timeoutSource =
             gdk_threads_add_timeout_seconds(LongestTimeoutAtMost(timeout), onLoadTimeout, this);
     }
-}
-
-bool GtkBrowserWindow::isLoadToCome() const {
-    return m_loadPhase == LoadPhase::waiting || m_loadPhase == LoadPhase::asked;
-}
-
-void GtkBrowserWindow::askForLoad() {
-    m_loadPhase = LoadPhase::waiting;
-    // Known to be unresponsive before, the process is not reported again.
-    if (!webkit_web_view_get_is_web_process_responsive(m_webView.get())) {
-        webkit_web_view_terminate_web_process(m_webView.get());
-    }
-    m_loadPhase = LoadPhase::asked;
-    webkit_web_view_load_uri(m_webView.get(), m_url.c_str());
 }
 
 void GtkBrowserWindow::updateUserAgent(const std::string& userAgent) {
@@ -255,10 +232,10 @@ void GtkBrowserWindow::ResetBrowser() {
     g_signal_handlers_disconnect_by_data(m_webView.get(), this);
     m_accelerators.reset();
     m_pageGuard.reset();
+    m_load.reset();
     gtk_container_remove(GTK_CONTAINER(m_window.get()), GTK_WIDGET(m_webView.get()));
     m_webView.reset();
     m_resultSent = false;
-    m_loadPhase = LoadPhase::over;
     initWebView();
     CBrowserResult ready(BrowserResultType::ready, "");
     SendResult(ready, false);
@@ -290,10 +267,10 @@ void GtkBrowserWindow::webViewLoadChangedCB(WebKitWebView* /*webView*/, WebKitLo
         return;
     }
     // A load that replaces another first brings the other's end, which already bears the new URI.
-    if (self->isLoadToCome() || event == WEBKIT_LOAD_REDIRECTED) {
+    if (self->m_load->IsToCome() || event == WEBKIT_LOAD_REDIRECTED) {
         return;
     }
-    self->m_loadPhase = LoadPhase::over;
+    self->m_load->OnAnswered();
     if (event == WEBKIT_LOAD_COMMITTED) {
         self->pageCommitted();
     } else {
@@ -303,10 +280,7 @@ void GtkBrowserWindow::webViewLoadChangedCB(WebKitWebView* /*webView*/, WebKitLo
 
 void GtkBrowserWindow::loadStarted() {
     webkit_web_view_set_zoom_level(m_webView.get(), 1.0);
-    // One that starts while the operation's own is not asked for yet is the last page's.
-    if (m_loadPhase != LoadPhase::waiting) {
-        m_loadPhase = m_loadPhase == LoadPhase::asked ? LoadPhase::started : LoadPhase::over;
-    }
+    m_load->OnStarted();
 }
 
 void GtkBrowserWindow::pageCommitted() {
@@ -381,7 +355,7 @@ bool GtkBrowserWindow::onCookieListItem(const StoredCookie& cookie) {
 void GtkBrowserWindow::beginCookieWatch() {
     m_cookieWatch.Begin(m_cookieName, m_errorCookieName);
     if (!m_cookieMode || !CCookieStore::CanBeAsked()) {
-        askForLoad();
+        m_load->Ask();
         return;
     }
     // The load waits for the answer: a quick page's cookie would otherwise stand in the store
@@ -393,7 +367,7 @@ void GtkBrowserWindow::beginCookieWatch() {
         if (cookies) {
             m_cookieWatch.SetBaseline(std::move(*cookies));
         }
-        askForLoad();
+        m_load->Ask();
     });
 }
 
@@ -442,7 +416,7 @@ void GtkBrowserWindow::onResourceLoadStarted(WebKitWebView* /*webView*/,
 void GtkBrowserWindow::onResourceResponse(WebKitWebResource* resource, GParamSpec* /*property*/,
                                           GtkBrowserWindow* self) {
     WebKitURIResponse* const response = webkit_web_resource_get_response(resource);
-    if (self->isLoadToCome() || response == nullptr ||
+    if (self->m_load->IsToCome() || response == nullptr ||
         !IsCookieBearingResponse(webkit_uri_response_get_status_code(response),
                                  webkit_uri_response_get_mime_type(response))) {
         return;
@@ -482,10 +456,10 @@ gboolean GtkBrowserWindow::webViewLoadFailedCB(WebKitWebView* /*webView*/,
     if (failure == LoadFailure::cancelled) {
         return FALSE;
     }
-    if (self->isLoadToCome()) {
+    if (self->m_load->IsToCome()) {
         return TRUE;
     }
-    self->m_loadPhase = LoadPhase::over;
+    self->m_load->OnAnswered();
     TK_LOG_ERROR("Failed to load page: %s, URI = %s", error->message, failingUri);
     if (failure == LoadFailure::failed) {
         self->sendFinalResult(BrowserResultType::error_unknown);
@@ -498,8 +472,8 @@ gboolean GtkBrowserWindow::webViewLoadFailedWithTLSErrorsCB(WebKitWebView* /*web
                                                             GTlsCertificate* /*certificate*/,
                                                             GTlsCertificateFlags errors,
                                                             GtkBrowserWindow* self) {
-    if (!self->isLoadToCome()) {
-        self->m_loadPhase = LoadPhase::over;
+    if (!self->m_load->IsToCome()) {
+        self->m_load->OnAnswered();
         TK_LOG_ERROR("Failed to load page: %s", TlsErrorsToText(errors).c_str());
         self->sendFinalResult(BrowserResultType::error_cert);
     }
@@ -512,57 +486,9 @@ void GtkBrowserWindow::webProcessTerminatedCB(WebKitWebView* webView,
     const char* const uri = webkit_web_view_get_uri(webView);
     TK_LOG_ERROR("The web process %s, URI = %s", TerminationText(reason),
                  uri != nullptr ? uri : "");
-    if (self->m_loadPhase == LoadPhase::waiting) {
-        // The load that is to come gets a new process.
-        return;
+    if (!self->m_load->OutlivesProcess()) {
+        self->sendFinalResult(BrowserResultType::error_unknown);
     }
-    if (self->m_loadPhase == LoadPhase::asked) {
-        // It was asked for while the process was already dying, and is lost with it.
-        self->repeatLostLoad();
-        return;
-    }
-    self->m_loadPhase = LoadPhase::over;
-    self->sendFinalResult(BrowserResultType::error_unknown);
-}
-
-void GtkBrowserWindow::repeatLostLoad() {
-    if (m_loadRepeated) {
-        sendFinalResult(BrowserResultType::error_unknown);
-        return;
-    }
-    m_loadRepeated = true;
-    askForLoad();
-}
-
-// The engine can lose a load that takes the place of another while its first process is still
-// starting: the load starts, and then the view stops loading without a word of how it ended.
-void GtkBrowserWindow::isLoadingChangedCB(WebKitWebView* webView, GParamSpec* /*property*/,
-                                          GtkBrowserWindow* self) {
-    RemoveSource(self->m_lostLoadSource);
-    if (self->m_loadPhase == LoadPhase::started && !webkit_web_view_is_loading(webView)) {
-        // An end that is told comes right behind this.
-        self->m_lostLoadSource = g_idle_add(lookForLostLoadCB, self);
-    }
-}
-
-// The last operation's page is busy with itself, or frozen, and would keep this operation's from
-// ever starting: its process goes, and the load is asked for once more, in a new one.
-void GtkBrowserWindow::responsivenessChangedCB(WebKitWebView* webView, GParamSpec* /*property*/,
-                                               GtkBrowserWindow* self) {
-    if (self->m_loadPhase == LoadPhase::asked &&
-        !webkit_web_view_get_is_web_process_responsive(webView)) {
-        webkit_web_view_terminate_web_process(webView);
-    }
-}
-
-gboolean GtkBrowserWindow::lookForLostLoadCB(gpointer window) {
-    auto* const self = static_cast<GtkBrowserWindow*>(window);
-    self->m_lostLoadSource = 0;
-    if (self->m_loadPhase == LoadPhase::started) {
-        TK_LOG_WARNING("The engine lost a load, URI = %s", self->m_url.c_str());
-        self->repeatLostLoad();
-    }
-    return G_SOURCE_REMOVE;
 }
 
 gboolean GtkBrowserWindow::onDecidePolicy(WebKitWebView* webView, WebKitPolicyDecision* decision,

@@ -16,6 +16,7 @@
 #include "CookieStore.h"
 #include "CookieWatch.h"
 #include "GObjectPtr.h"
+#include "OperationLoad.h"
 #include "PageGuard.h"
 
 /// The one browser of the process: a top-level window with a web view. It carries out browser
@@ -52,14 +53,6 @@ public:
 
 private:
     struct QueuedOperation;
-    /// How far the load is that the operation itself has asked for.
-    enum class LoadPhase {
-        waiting,  ///< it has not been asked for yet
-        asked,    ///< it has not started yet
-        started,  ///< nothing has come of it yet
-        over,     ///< it has been committed, has ended, or there is none
-    };
-
     void init(GtkApplication* application);
     void initWebView();
     void connectWebViewSignals();
@@ -68,9 +61,6 @@ private:
 
     void SendResult(CBrowserResult& result, bool resultSentAfter);
     void sendFinalResult(BrowserResultType type, const std::string& cookieValue = "");
-    [[nodiscard]] bool isLoadToCome() const;
-    void askForLoad();
-    void repeatLostLoad();
     void loadStarted();
     void pageCommitted();
     void pageFinished();
@@ -97,11 +87,6 @@ private:
     static void webProcessTerminatedCB(WebKitWebView* webView,
                                        WebKitWebProcessTerminationReason reason,
                                        GtkBrowserWindow* self);
-    static void isLoadingChangedCB(WebKitWebView* webView, GParamSpec* property,
-                                   GtkBrowserWindow* self);
-    static void responsivenessChangedCB(WebKitWebView* webView, GParamSpec* property,
-                                        GtkBrowserWindow* self);
-    static gboolean lookForLostLoadCB(gpointer window);
     static void cookiesChangedCB(WebKitCookieManager* manager, GtkBrowserWindow* self);
     static void onResourceLoadStarted(WebKitWebView* webView, WebKitWebResource* resource,
                                       WebKitURIRequest* request, GtkBrowserWindow* self);
@@ -122,7 +107,7 @@ private:
     GObjectPtr<GtkAccelGroup> m_acceleratorGroup;
     std::unique_ptr<CAcceleratorSet> m_accelerators;
     std::unique_ptr<CPageGuard> m_pageGuard;
-    std::string m_url;
+    std::unique_ptr<COperationLoad> m_load;
     std::string m_finalUrl;
     std::string m_cookieName;
     std::string m_errorCookieName;
@@ -130,10 +115,6 @@ private:
     guint m_timeoutSource = 0;
     // Cleared by the thread that queues an operation, set when its result is delivered.
     std::atomic<bool> m_resultSent{false};
-    LoadPhase m_loadPhase = LoadPhase::over;
-    // The operation's load has been asked for once more, since the first was lost.
-    bool m_loadRepeated = false;
-    guint m_lostLoadSource = 0;
     // Tells the answer of an earlier operation's cookie query from one of this operation's: it
     // changes when an operation asks for its load, and when a result is delivered.
     std::uint64_t m_operationNumber = 0;
