@@ -71,7 +71,7 @@ TEST_F(LibraryTranslations, TheToolkitsFunctionsAreTheProgramsOwn) {
 TEST_F(LibraryTranslations, ATextOfTheEngineIsLookedUpByTheProgram) {
     // Only the program looks for a territory in lower case; the C library would find nothing.
     CompileCatalog(
-        CatalogPath("/usr/share/locale", "de-de", "WebKitGTK-4.0"),
+        CatalogPath("/usr/share/locale", "de-de", TK_ENGINE_DOMAIN),
         CatalogSource("utf-8", "msgid \"Select File\"\nmsgstr \"Eine Datei w\xC3\xA4hlen\""));
     // GLib translates its callers' texts only for a program that is itself translated.
     CompileCatalog(CatalogPath("/opt/velto/tunnelkeep/l10n", "de-de", "tkdownloader-gtk"),

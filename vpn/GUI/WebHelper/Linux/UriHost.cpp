@@ -1,27 +1,16 @@
 #include "UriHost.h"
 
-#include <libsoup/soup.h>
-
 #include <cstring>
-#include <memory>
 
-namespace {
-
-struct SoupUriFree {
-    void operator()(SoupURI* uri) const { soup_uri_free(uri); }
-};
-using SoupUriPtr = std::unique_ptr<SoupURI, SoupUriFree>;
-
-const char* HostOf(const SoupUriPtr& uri) {
-    return uri != nullptr ? soup_uri_get_host(uri.get()) : nullptr;
-}
-
-}  // namespace
+#include "SoupUri.h"
 
 bool HaveEqualHosts(const char* firstUri, const char* secondUri) {
-    const SoupUriPtr first(soup_uri_new(firstUri));
-    const SoupUriPtr second(soup_uri_new(secondUri));
-    const char* const firstHost = HostOf(first);
-    const char* const secondHost = HostOf(second);
+    const SoupUriPtr first = ParseUri(firstUri);
+    const SoupUriPtr second = ParseUri(secondUri);
+    if (first == nullptr || second == nullptr) {
+        return false;
+    }
+    const char* const firstHost = HostOf(first.get());
+    const char* const secondHost = HostOf(second.get());
     return firstHost != nullptr && secondHost != nullptr && std::strcmp(firstHost, secondHost) == 0;
 }

@@ -1,0 +1,53 @@
+// Which libraries the running program and the engine's processes have loaded, their plugins' own
+// included, which no listing of links shows.
+
+#include <filesystem>
+#include <fstream>
+#include <set>
+#include <string>
+
+#include "HelperTest.h"
+#include "ProcessFamily.h"
+
+namespace {
+
+using testing::ElementsAre;
+
+/// The files mapped into a process whose names begin with this.
+std::set<std::string> MappedFiles(pid_t process, const std::string& beginning) {
+    std::set<std::string> names;
+    std::ifstream maps("/proc/" + std::to_string(process) + "/maps");
+    for (std::string line; std::getline(maps, line);) {
+        const std::string name = std::filesystem::path(line).filename();
+        if (name.compare(0, beginning.size(), beginning) == 0) {
+            names.insert(name.substr(0, name.find(".so.") + std::string(".so.N").size()));
+        }
+    }
+    return names;
+}
+
+class LoadedLibraries : public HelperTest {
+protected:
+    /// The files of libsoup in the program and in its children.
+    [[nodiscard]] std::set<std::string> SoupLibraries() const {
+        std::set<std::string> names = MappedFiles(m_helper.Pid(), "libsoup-");
+        for (const pid_t child : Descendants(m_helper.Pid())) {
+            names.merge(MappedFiles(child, "libsoup-"));
+        }
+        return names;
+    }
+};
+
+}  // namespace
+
+// The engine gives up in a process that holds both generations of the library.
+TEST_F(LoadedLibraries, HaveOneGenerationOfTheHttpLibrary) {
+    ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
+    EXPECT_THAT(SoupLibraries(), ElementsAre(TK_SOUP_LIBRARY));
+    // Media make the engine load whatever can play them.
+    m_server.ServePage("/media", "<video src='/film.webm' autoplay></video><audio src='/a.ogg'>");
+    BrowseTo("/media");
+    EXPECT_EQ(NextResult(), "success");
+    EXPECT_THAT(SoupLibraries(), ElementsAre(TK_SOUP_LIBRARY));
+    EXPECT_EQ(Terminate(), "exited with status 0");
+}

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <libsoup/soup.h>
+
+#include <memory>
+
+// What differs between libsoup 2.4, which has URIs of its own, and libsoup 3, which takes GLib's.
+// Cookies and message headers bear the same names in both.
+
+#if SOUP_CHECK_VERSION(3, 0, 0)
+
+struct SoupUriFree {
+    void operator()(GUri* uri) const { g_uri_unref(uri); }
+};
+using SoupUriPtr = std::unique_ptr<GUri, SoupUriFree>;
+
+/// Null when the text is no URI.
+inline SoupUriPtr ParseUri(const char* text) {
+    // As forgiving as the older library.
+    const int flags = SOUP_HTTP_URI_FLAGS | G_URI_FLAGS_PARSE_RELAXED;
+    return SoupUriPtr(g_uri_parse(text, static_cast<GUriFlags>(flags), nullptr));
+}
+
+/// Null when the URI has no host. Owned by the URI.
+inline const char* HostOf(GUri* uri) {
+    return g_uri_get_host(uri);
+}
+
+#else
+
+struct SoupUriFree {
+    void operator()(SoupURI* uri) const { soup_uri_free(uri); }
+};
+using SoupUriPtr = std::unique_ptr<SoupURI, SoupUriFree>;
+
+/// Null when the text is no URI.
+inline SoupUriPtr ParseUri(const char* text) {
+    return SoupUriPtr(soup_uri_new(text));
+}
+
+/// Null when the URI has no host. Owned by the URI.
+inline const char* HostOf(SoupURI* uri) {
+    return soup_uri_get_host(uri);
+}
+
+#endif
