@@ -3,6 +3,7 @@
 #include "HelperTest.h"
 #include "ProcessFamily.h"
 #include "ProcessMemory.h"
+#include "WaitUntil.h"
 
 namespace {
 
@@ -100,4 +101,25 @@ TEST_F(FaultyPages, ABodyWithoutEndDoesNotHoldUpTheTimeout) {
     BrowseTo("/body", "1");
     EXPECT_EQ(NextResult(), "error_timeout");
     ExpectGoodPageAndEnd();
+}
+
+// The engine sets such a page no limit, and a script that never returns keeps it from looking. The
+// script takes a mebibyte at a time and five milliseconds for it, to spare the machine.
+TEST_F(FaultyPages, MemoryWithoutEndDoesNotHoldUpTheTimeout) {
+    m_server.ServePage("/hoard",
+                       "<script>"
+                       "const hoard = [];"
+                       "for (;;) {"
+                       "  hoard.push(new Uint8Array(1 << 20).fill(1));"
+                       "  for (const until = performance.now() + 5; performance.now() < until;);"
+                       "}"
+                       "</script>");
+    BrowseTo("/hoard", "1");
+    EXPECT_EQ(NextResult(), "error_timeout");
+    const auto hoarders = DescendantsRunning(m_helper.Pid(), "WebKitWebProcess");
+    ASSERT_EQ(hoarders.size(), 1U);
+    const pid_t hoarder = *hoarders.begin();
+    EXPECT_TRUE(PollUntil([&] { return MemoryOf(hoarder).resident > 256L << 10; }));
+    ExpectGoodPageAndEnd();
+    EXPECT_EQ(ProgramOf(hoarder), "");
 }
