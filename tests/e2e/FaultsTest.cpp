@@ -22,9 +22,13 @@
 namespace {
 
 namespace fs = std::filesystem;
+using testing::AllOf;
 using testing::AnyOf;
+using testing::Contains;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::StartsWith;
 
 class Faults : public HelperTest {
 protected:
@@ -64,13 +68,13 @@ private:
 TEST_F(Faults, WithoutADisplayTheProgramEndsAtOnce) {
     ASSERT_NO_FATAL_FAILURE(Launch({AgentPort()}, {{"DISPLAY", std::nullopt}}));
     EXPECT_EQ(AwaitPromptEnd(), "exited with status 1");
-    EXPECT_THAT(LogLines(), IsEmpty());
+    EXPECT_THAT(LogLines(), ElementsAre("E Gtk: cannot open display: "));
 }
 
 TEST_F(Faults, WithADisplayThatIsNotThereTheProgramEndsAtOnce) {
     ASSERT_NO_FATAL_FAILURE(Launch({AgentPort()}, {{"DISPLAY", ":60999"}}));
     EXPECT_EQ(AwaitPromptEnd(), "exited with status 1");
-    EXPECT_THAT(LogLines(), IsEmpty());
+    EXPECT_THAT(LogLines(), ElementsAre("E Gtk: cannot open display: :60999"));
 }
 
 TEST_F(Faults, ALostDisplayEndsTheProgramAndItsChildren) {
@@ -92,6 +96,7 @@ TEST_F(MissingProgram, OfTheNetworkEndsTheProgramBeforeItIsReady) {
     ASSERT_NO_FATAL_FAILURE(LaunchAndAccept());
     EXPECT_EQ(NextResult(), "(closed)");
     EXPECT_EQ(AwaitPromptEnd(), "was killed by SIGTRAP");
+    EXPECT_THAT(LogLines(), Contains(AllOf(StartsWith("E "), HasSubstr("WebKitNetworkProcess"))));
 }
 
 TEST_F(MissingProgram, OfPagesEndsTheProgramWithItsFirstPage) {
@@ -101,6 +106,7 @@ TEST_F(MissingProgram, OfPagesEndsTheProgramWithItsFirstPage) {
     const std::set<pid_t> children = Descendants(m_helper.Pid());
     EXPECT_EQ(NextResult(), "(closed)");
     EXPECT_EQ(AwaitPromptEnd(), "was killed by SIGTRAP");
+    EXPECT_THAT(LogLines(), Contains(AllOf(StartsWith("E "), HasSubstr("WebKitWebProcess"))));
     ExpectGone(children);
 }
 

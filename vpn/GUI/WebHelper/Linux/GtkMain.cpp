@@ -97,6 +97,7 @@ int RunApplication(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     KeepSecretsPrivate();
+    LogWhatEndsTheProgram();
     const CInstanceSmartPtr<StoragePath> storagePath = CreateStoragePath();
     SetUpTranslation();
     return RunApplication(argc, argv);

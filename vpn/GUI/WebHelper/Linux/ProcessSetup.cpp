@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 
 #include <csignal>
+#include <cstring>
 #include <initializer_list>
 #include <tuple>
 
@@ -19,7 +20,40 @@ gboolean signalCB(gpointer application) {
     return G_SOURCE_CONTINUE;
 }
 
+// The text of one field of a message, if it has one that ends with a zero.
+const char* FieldOf(const GLogField* fields, gsize count, const char* key) {
+    for (gsize i = 0; i < count; ++i) {
+        if (std::strcmp(fields[i].key, key) == 0 && fields[i].length < 0) {
+            return static_cast<const char*>(fields[i].value);
+        }
+    }
+    return "";
+}
+
+// What the engine says when it cannot start its processes, and the toolkit when it finds no display
+// (a mere warning) or loses that of Wayland (a mere message), is the last that they say: the
+// program ends. The loss of an X display goes without a word.
+bool IsLastWord(GLogLevelFlags level, const char* domain) {
+    return (level & G_LOG_LEVEL_ERROR) != 0 ||
+           ((level & G_LOG_LEVEL_WARNING) != 0 && gdk_display_get_default() == nullptr) ||
+           ((level & G_LOG_LEVEL_MESSAGE) != 0 && std::strcmp(domain, "Gdk") == 0);
+}
+
+GLogWriterOutput writeMessageCB(GLogLevelFlags level, const GLogField* fields, gsize count,
+                                gpointer /*unused*/) {
+    const char* const domain = FieldOf(fields, count, "GLIB_DOMAIN");
+    if (IsLastWord(level, domain)) {
+        // Nobody keeps the error stream, to which it also goes.
+        TK_LOG_ERROR("%s: %s", domain, FieldOf(fields, count, "MESSAGE"));
+    }
+    return g_log_writer_default(level, fields, count, nullptr);
+}
+
 }  // namespace
+
+void LogWhatEndsTheProgram() {
+    g_log_set_writer_func(writeMessageCB, nullptr, nullptr);
+}
 
 void KeepSecretsPrivate() {
     umask(S_IRWXG | S_IRWXO);

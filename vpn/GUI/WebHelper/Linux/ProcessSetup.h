@@ -7,6 +7,10 @@
 /// Called first of all, while there is one thread.
 void KeepSecretsPrivate();
 
+/// Logs the messages with which the toolkit or the engine ends the program, which otherwise go to
+/// the error stream alone. Called once, before the application runs.
+void LogWhatEndsTheProgram();
+
 /// Ends the application's main loop, and with it the process, on SIGTERM, SIGINT and SIGHUP as a
 /// `terminate` does. A connection that broke is reported where it is written to, not by SIGPIPE.
 /// The application must outlive the main loop. Main thread.
