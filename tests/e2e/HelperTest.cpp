@@ -72,6 +72,7 @@ void HelperTest::Launch(const std::vector<std::string>& arguments, const Environ
     command.arguments = {TKWEBHELPER_PATH};
     command.arguments.insert(command.arguments.end(), arguments.begin(), arguments.end());
     command.environment = environment;
+    command.error = m_errorStream;
     std::string reason;
     ASSERT_TRUE(m_helper.Start(command, reason)) << reason;
 }

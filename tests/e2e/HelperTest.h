@@ -77,6 +77,8 @@ protected:
     HttpServer m_server;
     XClient m_screen;
     CLaunchedProcess m_helper;
+    /// Where the program's error stream is to go; -1 for the test's own.
+    int m_errorStream = -1;
 
 private:
     std::optional<CHelperConnection> m_connection;
