@@ -19,7 +19,7 @@ packages=(
 )
 test_packages=(
     libgmock-dev libgtest-dev
-    libnss-wrapper libpng-dev libssl-dev libxcb-xtest0-dev libxcb1-dev locales openssl weston
+    libnss-wrapper libpng-dev libssl-dev libxcb-xtest0-dev libxcb1-dev locales openssl python3 weston
     binutils clang clang-format clang-tidy cppcheck git libclang-rt-dev llvm
 )
 
