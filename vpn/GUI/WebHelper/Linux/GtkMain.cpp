@@ -82,6 +82,15 @@ void SetUpTranslation() {
     (void)std::setlocale(LC_ALL, "");
 }
 
+// Nothing here needs the session bus. On it, though, GTK would look for the desktop's portal at
+// start, and wait half a minute for one that hangs. A registration that is cancelled already gets
+// no bus; one that fails for that is made again by g_application_run().
+void RegisterWithoutBus(GApplication* application) {
+    const GObjectPtr<GCancellable> cancelled(g_cancellable_new());
+    g_cancellable_cancel(cancelled.get());
+    (void)g_application_register(application, cancelled.get(), nullptr);
+}
+
 int RunApplication(int argc, char** argv) {
     g_set_application_name("tkwebhelper");
     g_set_prgname(kProductFullName.c_str());
@@ -90,6 +99,7 @@ int RunApplication(int argc, char** argv) {
         gtk_application_new(nullptr, G_APPLICATION_HANDLES_COMMAND_LINE));
     QuitOnSignals(application.get());
     g_signal_connect(application.get(), "command-line", G_CALLBACK(appParseCmdCB), nullptr);
+    RegisterWithoutBus(G_APPLICATION(application.get()));
     return g_application_run(G_APPLICATION(application.get()), argc, argv);
 }
 
