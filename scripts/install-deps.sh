@@ -18,7 +18,7 @@ packages=(
     fonts-dejavu-core scrot xvfb
 )
 test_packages=(
-    libgmock-dev libgtest-dev dbus-bin dbus-daemon
+    libbenchmark-dev libgmock-dev libgtest-dev dbus-bin dbus-daemon
     libnss-wrapper libpng-dev libssl-dev libxcb-xtest0-dev libxcb1-dev locales openssl
     python3 weston
     binutils clang clang-format clang-tidy cppcheck git libclang-rt-dev llvm
