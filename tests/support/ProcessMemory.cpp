@@ -20,5 +20,7 @@ long NumberIn(const std::string& path, const std::string& name) {
 
 ProcessMemory MemoryOf(pid_t process) {
     const std::string folder = "/proc/" + std::to_string(process);
-    return {NumberIn(folder + "/status", "VmRSS:"), NumberIn(folder + "/smaps_rollup", "Pss:")};
+    const std::string rollup = folder + "/smaps_rollup";
+    return {NumberIn(folder + "/status", "VmRSS:"), NumberIn(rollup, "Pss:"),
+            NumberIn(rollup, "Private_Clean:") + NumberIn(rollup, "Private_Dirty:")};
 }

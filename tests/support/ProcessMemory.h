@@ -7,6 +7,8 @@ struct ProcessMemory {
     long resident = 0;
     /// The same with each shared page counted by its share.
     long proportional = 0;
+    /// What no other process shares.
+    long unshared = 0;
 };
 
 /// Zeros when the process is gone.

@@ -1,0 +1,69 @@
+// The memory that is a process's own: after the start, after a page, and after long use.
+
+#include "MeasuredProcess.h"
+#include "ProcessBenchmark.h"
+#include "ProcessMemory.h"
+
+namespace {
+
+constexpr int kTenth = 10;
+
+void ReportMemory(const std::string& measure, const std::string& program,
+                  const MeasuredProcess& process) {
+    process.Settle();
+    Report("private memory " + measure, program,
+           static_cast<double>(MemoryOf(process.Pid()).unshared), "KiB");
+}
+
+void StartHelper(TimedPages& pages) {
+    MeasuredHelper helper;
+    ReportMemory("after the start", "Ours", helper.Process());
+    helper.Browse(pages.NewPage());
+    static_cast<void>(helper.AwaitResult(BrowserResultType::success));
+    ReportMemory("after a page", "Ours", helper.Process());
+}
+
+void StartFloor(TimedPages& pages) {
+    MeasuredFloor floor;
+    static_cast<void>(floor.AwaitLine("ready"));
+    ReportMemory("after the start", "Floor", floor.Process());
+    floor.Tell("load " + pages.NewPage());
+    static_cast<void>(floor.AwaitLine("finished"));
+    ReportMemory("after a page", "Floor", floor.Process());
+}
+
+/// Does something over and over in one process, and compares its end with its first tenth.
+void Endure(const std::string& measure, const MeasuredProcess& process, int count,
+            const std::function<void()>& turn) {
+    for (int number = 1; number <= count; ++number) {
+        turn();
+        if (number == (count + kTenth - 1) / kTenth) {
+            ReportMemory(measure, "after the first tenth", process);
+        }
+    }
+    ReportMemory(measure, "Ours", process);
+}
+
+void EndureOperations(TimedPages& pages, int count) {
+    MeasuredHelper helper;
+    Endure("after " + std::to_string(count) + " operations", helper.Process(), count, [&] {
+        helper.Browse(pages.NewPage());
+        static_cast<void>(helper.AwaitResult(BrowserResultType::success));
+    });
+}
+
+void EndureResets(int count) {
+    MeasuredHelper helper;
+    Endure("after " + std::to_string(count) + " resets", helper.Process(), count, [&] {
+        helper.Reset();
+        static_cast<void>(helper.AwaitResult(BrowserResultType::ready));
+    });
+}
+
+}  // namespace
+
+void Measure(const Amount& amount, TimedPages& pages) {
+    Interleave(amount.rounds, {[&] { StartHelper(pages); }, [&] { StartFloor(pages); }});
+    EndureOperations(pages, amount.operations);
+    EndureResets(amount.resets);
+}
