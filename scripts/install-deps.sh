@@ -4,6 +4,7 @@
 #   scripts/install-deps.sh              what the program and the demo need
 #   scripts/install-deps.sh --tests      what the tests need as well
 #   scripts/install-deps.sh --coverage   ... and what the report of their coverage needs
+#   scripts/install-deps.sh --bench      ... and what the benchmarks compare the program with
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
@@ -28,6 +29,7 @@ case "${1:-}" in
     "") ;;
     --tests) packages+=("${test_packages[@]}") ;;
     --coverage) packages+=("${test_packages[@]}" gcovr) ;;
+    --bench) packages+=("${test_packages[@]}" python3 surf) ;;
     *) fail "unknown argument: $1" ;;
 esac
 
