@@ -21,7 +21,7 @@ packages=(
 test_packages=(
     libbenchmark-dev libgmock-dev libgtest-dev dbus-bin dbus-daemon
     libnss-wrapper libpng-dev libssl-dev libxcb-xtest0-dev libxcb1-dev locales openssl
-    python3 weston
+    at-spi2-core gir1.2-atspi-2.0 python3 python3-gi weston
     binutils clang clang-format clang-tidy cppcheck git libclang-rt-dev llvm
 )
 

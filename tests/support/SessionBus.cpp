@@ -32,10 +32,15 @@ std::string Configuration(const std::string& address, const std::string& service
 
 }  // namespace
 
-SessionBus::SessionBus(const std::vector<std::string>& hangingServices) {
+SessionBus::SessionBus(const std::vector<std::string>& hangingServices,
+                       const std::vector<std::string>& machinesServices) {
     std::filesystem::create_directory(m_folder.Path("services"));
     for (const std::string& service : hangingServices) {
         InstallHangingService(service);
+    }
+    for (const std::string& service : machinesServices) {
+        std::filesystem::copy_file("/usr/share/dbus-1/services/" + service + ".service",
+                                   m_folder.Path("services/" + service + ".service"));
     }
     WriteFile(m_folder.Path("bus.conf"), Configuration(Address(), m_folder.Path("services")));
     std::array<int, 2> ends{};

@@ -10,9 +10,10 @@
 class SessionBus {
 public:
     /// Returns when clients can connect. The bus starts each of the hanging services for the first
-    /// client that asks for its name, and the service never claims it. Throws std::runtime_error
-    /// when the bus does not start.
-    explicit SessionBus(const std::vector<std::string>& hangingServices = {});
+    /// client that asks for its name, and the service never claims it; and of the machine's own
+    /// services those that are named. Throws std::runtime_error when the bus does not start.
+    explicit SessionBus(const std::vector<std::string>& hangingServices = {},
+                        const std::vector<std::string>& machinesServices = {});
 
     /// What DBUS_SESSION_BUS_ADDRESS has to say.
     [[nodiscard]] std::string Address() const;
