@@ -26,7 +26,7 @@ void COperationLoad::Prepare(const std::string& uri) {
 void COperationLoad::Ask() {
     m_phase = Phase::waiting;
     // Known to be unresponsive before, the process is not reported again.
-    if (!webkit_web_view_get_is_web_process_responsive(m_webView)) {
+    if (isProcessStuck()) {
         webkit_web_view_terminate_web_process(m_webView);
     }
     m_phase = Phase::asked;
@@ -37,7 +37,12 @@ bool COperationLoad::IsToCome() const {
     return m_phase == Phase::waiting || m_phase == Phase::asked;
 }
 
+bool COperationLoad::isProcessStuck() const {
+    return m_processHasLoaded && !webkit_web_view_get_is_web_process_responsive(m_webView);
+}
+
 void COperationLoad::OnStarted() {
+    m_processHasLoaded = true;
     // One that starts while the operation's own is not asked for yet is the last page's.
     if (m_phase != Phase::waiting) {
         m_phase = m_phase == Phase::asked ? Phase::started : Phase::over;
@@ -45,6 +50,7 @@ void COperationLoad::OnStarted() {
 }
 
 bool COperationLoad::OutlivesProcess() {
+    m_processHasLoaded = false;
     switch (m_phase) {
         case Phase::waiting:
             return true;
@@ -82,7 +88,7 @@ void COperationLoad::isLoadingChangedCB(WebKitWebView* webView, GParamSpec* /*pr
 // ever starting: its process goes, and the load is asked for once more, in a new one.
 void COperationLoad::responsivenessChangedCB(WebKitWebView* webView, GParamSpec* /*property*/,
                                              COperationLoad* self) {
-    if (self->m_phase == Phase::asked && !webkit_web_view_get_is_web_process_responsive(webView)) {
+    if (self->m_phase == Phase::asked && self->isProcessStuck()) {
         webkit_web_view_terminate_web_process(webView);
     }
 }

@@ -43,6 +43,7 @@ private:
         over,     ///< it has been committed, has ended, or there is none
     };
 
+    [[nodiscard]] bool isProcessStuck() const;
     void repeat();
 
     static void isLoadingChangedCB(WebKitWebView* webView, GParamSpec* property,
@@ -55,6 +56,8 @@ private:
     std::function<void()> m_onLost;
     std::string m_uri;
     Phase m_phase = Phase::over;
+    // A process that has not yet begun a load may be slow to start, which is no reason to end it.
+    bool m_processHasLoaded = false;
     // It has been asked for once more, since the first was lost.
     bool m_repeated = false;
     guint m_lostLoadSource = 0;
