@@ -3,8 +3,10 @@
 
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <set>
 #include <string>
+#include <system_error>
 #include <thread>
 
 #include "MeasuredProcess.h"
@@ -23,9 +25,8 @@ struct Activity {
     double milliseconds = 0;
 };
 
-Activity operator+(const Activity& a, const Activity& b) {
-    return {a.wakeUps + b.wakeUps, a.milliseconds + b.milliseconds};
-}
+// By the number of the thread, which no two have, whichever process they are of.
+using Activities = std::map<std::string, Activity>;
 
 Activity ActivityOfThread(const fs::path& folder) {
     const std::string label = "voluntary_ctxt_switches:";
@@ -42,19 +43,26 @@ Activity ActivityOfThread(const fs::path& folder) {
     return activity;
 }
 
-Activity ActivityOf(pid_t process) {
-    Activity sum;
-    for (const auto& thread :
-         fs::directory_iterator("/proc/" + std::to_string(process) + "/task")) {
-        sum = sum + ActivityOfThread(thread.path());
+Activities ActivitiesOf(const std::set<pid_t>& processes) {
+    Activities activities;
+    for (const pid_t process : processes) {
+        const fs::path folder = "/proc/" + std::to_string(process) + "/task";
+        std::error_code error;
+        for (const auto& thread : fs::directory_iterator(folder, error)) {
+            activities[thread.path().filename()] = ActivityOfThread(thread.path());
+        }
     }
-    return sum;
+    return activities;
 }
 
-Activity ActivityOfEngine(pid_t process) {
+// What the threads of today have done since. Those that have ended meanwhile took theirs along.
+Activity Difference(const Activities& before, const Activities& after) {
     Activity sum;
-    for (const pid_t descendant : Descendants(process)) {
-        sum = sum + ActivityOf(descendant);
+    for (const auto& [thread, activity] : after) {
+        const auto earlier = before.find(thread);
+        const Activity start = earlier != before.end() ? earlier->second : Activity{};
+        sum.wakeUps += activity.wakeUps - start.wakeUps;
+        sum.milliseconds += activity.milliseconds - start.milliseconds;
     }
     return sum;
 }
@@ -65,27 +73,26 @@ public:
     Watched(std::string name, pid_t process)
         : m_name(std::move(name)),
           m_process(process),
-          m_own(ActivityOf(process)),
-          m_engine(ActivityOfEngine(process)) {}
+          m_own(ActivitiesOf({process})),
+          m_engine(ActivitiesOf(Descendants(process))) {}
 
     void ReportSince() const {
-        ReportDifference("the process", m_own, ActivityOf(m_process));
-        ReportDifference("the engine's processes", m_engine, ActivityOfEngine(m_process));
+        ReportActivity("the process", Difference(m_own, ActivitiesOf({m_process})));
+        ReportActivity("the engine's processes",
+                       Difference(m_engine, ActivitiesOf(Descendants(m_process))));
     }
 
 private:
-    void ReportDifference(const std::string& whose, const Activity& before,
-                          const Activity& after) const {
+    void ReportActivity(const std::string& whose, const Activity& activity) const {
         Report("wake-ups of " + whose + " while idle", m_name,
-               static_cast<double>(after.wakeUps - before.wakeUps), "");
-        Report("time of " + whose + " while idle", m_name, after.milliseconds - before.milliseconds,
-               "ms");
+               static_cast<double>(activity.wakeUps), "");
+        Report("time of " + whose + " while idle", m_name, activity.milliseconds, "ms");
     }
 
     std::string m_name;
     pid_t m_process;
-    Activity m_own;
-    Activity m_engine;
+    Activities m_own;
+    Activities m_engine;
 };
 
 }  // namespace
