@@ -21,7 +21,7 @@ public:
     [[nodiscard]] ResultCode CreateSingletonInstance(T*& instance, const char* className,
                                                      const std::string& argument) {
         instance = nullptr;
-        if (m_instance != nullptr || m_referenceCount != 0) {
+        if (m_instance != nullptr) {
             instance = AcquireInstance();
             return kSuccess;
         }

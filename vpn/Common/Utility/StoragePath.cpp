@@ -92,7 +92,7 @@ std::string CStoragePath::GetUserProgramDataPath(const std::string& userName) co
 }
 
 std::string CStoragePath::GetProgramDataPath(bool perUser, const std::string& userName) const {
-    return perUser ? GetUserProgramDataPath(userName) : std::string(kInstallRoot) + "/";
+    return perUser ? GetUserProgramDataPath(userName) : m_installRoot;
 }
 
 std::string CStoragePath::GetFeedbackModuleDataPath() const {
