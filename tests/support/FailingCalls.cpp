@@ -9,6 +9,7 @@
 #include <sys/mman.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/time.h>
 #include <sys/timerfd.h>
 #include <sys/uio.h>
 #include <unistd.h>
@@ -18,6 +19,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <new>
 
 // The names below stand in the program, so that the dynamic linker finds them there before the C
@@ -380,5 +382,15 @@ TK_REPLACES int pthread_create(pthread_t* thread, const pthread_attr_t* attribut
                                void* (*function)(void*), void* argument) noexcept {
     TK_HIDDEN(pthread_create);
     return Fails(Call::Thread, EAGAIN) ? EAGAIN : hidden(thread, attributes, function, argument);
+}
+
+TK_REPLACES int gettimeofday(timeval* time, void* zone) noexcept {
+    TK_HIDDEN(gettimeofday);
+    return Fails(Call::Clock, EFAULT) ? -1 : hidden(time, zone);
+}
+
+TK_REPLACES std::tm* localtime_r(const std::time_t* time, std::tm* local) noexcept {
+    TK_HIDDEN(localtime_r);
+    return Fails(Call::LocalTime, EOVERFLOW) ? nullptr : hidden(time, local);
 }
 // NOLINTEND(readability-inconsistent-declaration-parameter-name)

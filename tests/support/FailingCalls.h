@@ -27,6 +27,8 @@ enum class Call : std::uint8_t {
     WakeUp,         ///< eventfd
     Timer,          ///< timerfd_create, timerfd_settime
     Thread,         ///< pthread_create
+    Clock,          ///< gettimeofday
+    LocalTime,      ///< localtime_r
 };
 
 enum class FailingOn : std::uint8_t { ThisThread, EveryThread };

@@ -130,15 +130,6 @@ bool AskForStatus(Call kind, std::size_t number) {
     return hasFailed;
 }
 
-bool WriteTime(Call kind, std::size_t number) {
-    const FailingCall failing(kind, number);
-    const std::string text = TimeNowFormatted(2);
-    const bool hasFailed = FailingCall::HasFailed();
-    const SparedCalls spared;
-    EXPECT_THAT(text.size(), AnyOf(25U, hasFailed ? 0U : 25U));
-    return hasFailed;
-}
-
 TEST(FailingCallsOfATextFile, EveryAllocation) {
     EXPECT_THAT(FailEachCall(Call::Allocation, Reading()), Ge(5U));
     EXPECT_THAT(FailEachCall(Call::Allocation, Searching()), Ge(3U));
@@ -180,10 +171,6 @@ TEST(FailingCallsOfATextFile, EveryClose) {
 
 TEST(FailingCallsOfAFileStatus, EveryStatus) {
     EXPECT_THAT(FailEachCall(Call::Status, AskForStatus), Eq(3U));
-}
-
-TEST(FailingCallsOfTheTime, EveryAllocation) {
-    EXPECT_THAT(FailEachCall(Call::Allocation, WriteTime), Ge(1U));
 }
 
 }  // namespace
