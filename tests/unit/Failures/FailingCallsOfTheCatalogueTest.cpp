@@ -21,7 +21,9 @@ namespace {
 using testing::AnyOf;
 using testing::Contains;
 using testing::Each;
+using testing::ElementsAre;
 using testing::Ge;
+using testing::HasSubstr;
 using testing::StartsWith;
 
 constexpr char kEntries[] = R"(msgid "Sign in to the network"
@@ -180,6 +182,28 @@ TEST_F(FailingCallsOfTheCatalogue, EveryMap) {
 
 TEST_F(FailingCallsOfTheCatalogue, EveryClose) {
     EXPECT_THAT(FailEachCall(Call::Close, Use()), Ge(2U));
+}
+
+/// Has the catalogue keep a name that there is no memory for.
+template <class Keep>
+void ExpectOneLogLineOf(Keep keep) {
+    EXPECT_TRUE(HoldsInChild([&] {
+        const std::string name(1U << 16, 'x');
+        const SparedLog log;
+        {
+            const FailingCall failing(Call::Allocation, 1);
+            keep(name);
+            EXPECT_TRUE(FailingCall::HasFailed());
+        }
+        EXPECT_THAT(log.Lines(),
+                    ElementsAre(HasSubstr("Caught message catalog exception - std::bad_alloc")));
+    }));
+}
+
+TEST_F(FailingCallsOfTheCatalogue, TheAllocationOfEachNameThatItKeeps) {
+    ExpectOneLogLineOf([](const std::string& name) { MsgCatalog::setLocale(name); });
+    ExpectOneLogLineOf([](const std::string& name) { MsgCatalog::setLocalizationPath(name); });
+    ExpectOneLogLineOf([](const std::string& name) { EXPECT_FALSE(MsgCatalog::setCatalog(name)); });
 }
 
 bool LoadAndRelease(Call kind, std::size_t number) {
