@@ -103,6 +103,19 @@ TEST(FailingCallsOfADirectoryPath, EveryStatus) {
     EXPECT_THAT(FailEachCall(Call::Status, MakeDirectories), Ge(5U));
 }
 
+bool MakeDirectoryWhereAFileIs(Call kind, std::size_t number) {
+    const TemporaryFolder folder;
+    const std::string path = folder.Path("file");
+    WriteFile(path, "in the way");
+    const FailingCall failing(kind, number);
+    EXPECT_FALSE(MakeDirectoryPath(path.c_str()));
+    return FailingCall::HasFailed();
+}
+
+TEST(FailingCallsOfADirectoryPath, EveryStatusWithAFileInTheWay) {
+    EXPECT_THAT(FailEachCall(Call::Status, MakeDirectoryWhereAFileIs), Ge(2U));
+}
+
 TEST(FailingCallsOfADirectoryPath, EveryDirectoryMade) {
     EXPECT_THAT(FailEachCall(Call::MakeDirectory, MakeDirectories), Ge(3U));
 }
