@@ -104,6 +104,21 @@ TEST_F(JSONIPCClientEnd, LogsAnExceptionOfACallbackAndReportsTheEndOfTheThread) 
          "T OnIpcReceiveError", "E Caught io service thread exception - callback failed"});
 }
 
+TEST_F(JSONIPCClientEnd, ReportsTheEndOfTheThreadOnlyOnce) {
+    Connect([](const std::string& callback) {
+        if (callback == "OnIpcSendError 0") {
+            throw std::runtime_error("callback failed");
+        }
+    });
+    m_peer->Reset();
+    EXPECT_TRUE(m_log.WaitForRecords(2));
+    m_log.Clear();
+    m_client->sendMessage(0, "late");
+    ExpectLinesUntilEnd({"E Failed to sent 'BROWSER_RESULT' message to server [32-Broken pipe]",
+                         "T OnIpcSendError 0",
+                         "E Caught io service thread exception - callback failed"});
+}
+
 TEST_F(JSONIPCClientEnd, WaitsASecondForACallbackAndGoesOn) {
     Event released;
     Event left;
@@ -151,6 +166,17 @@ TEST_F(JSONIPCClientEndInside, OnMsgReceived) {
     Connect(EndInside("OnMsgReceived 0 null 0"));
     m_peer->Send(kEmptyFrame);
     ExpectLinesOfEndInside({"T OnMsgReceived 0 null 0", kCannotWaitLine});
+}
+
+TEST_F(JSONIPCClientEndInside, WithAnExceptionBehindItReportsNothing) {
+    Connect([this](const std::string&) {
+        EndClient();
+        m_ended.Set();
+        throw std::runtime_error("callback failed");
+    });
+    m_peer->Send(kEmptyFrame);
+    ExpectLinesOfEndInside({"T OnMsgReceived 0 null 0", kCannotWaitLine,
+                            "E Caught io service thread exception - callback failed"});
 }
 
 TEST_F(JSONIPCClientEndInside, OnIpcReceiveError) {
