@@ -48,6 +48,12 @@ void ScriptedEngine::TellResourceStarted(const std::string& uri) {
 
 void ScriptedEngine::TellResponse(const Response& response) {
     m_response = response;
+    m_hasResponse = true;
+    g_object_notify(G_OBJECT(m_resource), "response");
+}
+
+void ScriptedEngine::TellNoResponse() {
+    m_hasResponse = false;
     g_object_notify(G_OBJECT(m_resource), "response");
 }
 
@@ -97,6 +103,7 @@ struct ScriptedEngineFunctions {
     static bool IsLoading() { return Engine().m_loading; }
     static void Forget() { Engine().m_uri.clear(); }
     static WebKitWebResource* Resource() { return Engine().m_resource; }
+    static bool HasResponse() { return Engine().m_hasResponse; }
     static const ScriptedEngine::Response& CurrentResponse() { return Engine().m_response; }
 
     static void AddQuery(WebKitCookieManager* manager, GAsyncReadyCallback callback,
@@ -154,7 +161,8 @@ WebKitWebResource* webkit_web_view_get_main_resource(WebKitWebView* /*view*/) {
 
 WebKitURIResponse* webkit_web_resource_get_response(WebKitWebResource* resource) {
     // Never looked into but by the functions below.
-    return reinterpret_cast<WebKitURIResponse*>(resource);
+    return ScriptedEngineFunctions::HasResponse() ? reinterpret_cast<WebKitURIResponse*>(resource)
+                                                  : nullptr;
 }
 
 guint webkit_uri_response_get_status_code(WebKitURIResponse* /*response*/) {

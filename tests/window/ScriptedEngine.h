@@ -43,6 +43,8 @@ public:
     void TellTlsFailed();
     void TellResourceStarted(const std::string& uri);
     void TellResponse(const Response& response);
+    /// Announces a response that is not there.
+    void TellNoResponse();
     void TellCookiesChanged();
     void TellProcessTerminated();
     /// Answers the oldest query: with these cookies, or with an error.
@@ -63,6 +65,7 @@ private:
     WebKitCookieManager* m_cookieManager = nullptr;
     WebKitWebResource* m_resource = nullptr;
     Response m_response;
+    bool m_hasResponse = true;
     std::string m_uri;
     bool m_loading = false;
     std::vector<std::string> m_loads;
