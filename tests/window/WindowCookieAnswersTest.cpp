@@ -162,6 +162,14 @@ TEST_F(WindowCookieAnswersTest, AnAnswerOfAnEarlierOperationIsDroppedAfterAReset
     EXPECT_THAT(Results(), ElementsAre("ready"));
 }
 
+TEST_F(WindowCookieAnswersTest, AnAnswerBehindTheWindowsEndIsDropped) {
+    BrowseUpToQuery("/page");
+    Shut();
+    Answer({{"sid", "abc"}});
+    EXPECT_THAT(Results(), IsEmpty());
+    EXPECT_THAT(LogLines(), IsEmpty());
+}
+
 TEST_F(WindowCookieAnswersTest, AnAnswerAfterTheUsersClosingIsNotTheNextOnes) {
     m_server.ServePage("/page", "hello");
     Send(Operation::BrowseForCookie(Url("/page"), Url("/page"), "sid", "err").Shown());
