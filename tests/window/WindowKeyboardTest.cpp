@@ -20,6 +20,7 @@ protected:
 // 1.1 to the power of each of these.
 std::vector<double> Powers(const std::vector<int>& exponents) {
     std::vector<double> powers;
+    powers.reserve(exponents.size());
     for (const int exponent : exponents) {
         powers.push_back(std::pow(1.1, exponent));
     }
