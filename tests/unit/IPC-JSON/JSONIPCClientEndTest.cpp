@@ -79,10 +79,11 @@ TEST_F(JSONIPCClientEnd, EndsWhenStalled) {
 }
 
 TEST_F(JSONIPCClientEnd, EndsAtAnyMomentOfATraffic) {
+    const std::string frames = kEmptyFrame + kEmptyFrame + kEmptyFrame;
     for (int i = 0; i < 100; ++i) {
         m_log.Clear();
         Connect();
-        m_peer->Send(kEmptyFrame + kEmptyFrame + kEmptyFrame);
+        m_peer->Send(frames);
         m_client->sendMessage(0, "x");
         EndClient();
         EXPECT_EQ(m_log.Lines().back(), "I Successfully stopped io service thread");

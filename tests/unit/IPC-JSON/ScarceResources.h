@@ -3,6 +3,7 @@
 #include <pthread.h>
 
 #include <cstddef>
+#include <exception>
 #include <stdexcept>
 
 /// From now on the kernel answers this system call of the calling process with "Too many open
@@ -18,21 +19,26 @@ public:
         pthread_getattr_default_np(&attributes);
         pthread_attr_getstacksize(&attributes, &m_previous);
         pthread_attr_destroy(&attributes);
-        SetStackSize(std::size_t{1} << 50);
+        if (!SetStackSize(std::size_t{1} << 50)) {
+            throw std::runtime_error("pthread_setattr_default_np");
+        }
     }
-    ~NoThreads() { SetStackSize(m_previous); }
+    ~NoThreads() {
+        if (!SetStackSize(m_previous)) {
+            std::terminate();
+        }
+    }
     NoThreads(const NoThreads&) = delete;
     NoThreads& operator=(const NoThreads&) = delete;
 
 private:
-    static void SetStackSize(std::size_t size) {
+    [[nodiscard]] static bool SetStackSize(std::size_t size) {
         pthread_attr_t attributes;
         pthread_getattr_default_np(&attributes);
         pthread_attr_setstacksize(&attributes, size);
-        if (pthread_setattr_default_np(&attributes) != 0) {
-            throw std::runtime_error("pthread_setattr_default_np");
-        }
+        const bool isSet = pthread_setattr_default_np(&attributes) == 0;
         pthread_attr_destroy(&attributes);
+        return isSet;
     }
 
     std::size_t m_previous = 0;
