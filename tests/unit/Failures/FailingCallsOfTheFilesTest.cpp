@@ -122,7 +122,9 @@ bool AskForStatus(Call kind, std::size_t number) {
     bool hasFailed = false;
     {
         const FailingCall failing(kind, number);
-        isRight = fileExists(path) & !directoryExists(path) & fileIsReadable(path);
+        const bool exists = fileExists(path);
+        const bool isDirectory = directoryExists(path);
+        isRight = fileIsReadable(path) && exists && !isDirectory;
         hasFailed = FailingCall::HasFailed();
     }
     EXPECT_EQ(log.Lines().size(), hasFailed ? 1U : 0U);
