@@ -3,7 +3,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <functional>
 #include <string>
 #include <thread>
@@ -13,7 +12,6 @@
 #include "FileDescriptor.h"
 #include "LogCapture.h"
 #include "OrdinaryUser.h"
-#include "PrivateWorld.h"
 #include "TemporaryFolder.h"
 #include "sysutils.h"
 
@@ -229,75 +227,6 @@ TEST_F(TextFileFailure, OfAFileThatCannotBeReadAfterTheSearchIsReported) {
                                              [this] { EXPECT_EQ(mkdir(m_file.c_str(), 0700), 0); });
     EXPECT_FALSE(RemoveFromFileMatchingLine(m_file, "line"));
     EXPECT_THAT(m_log.Lines(), ElementsAre("E Failed to fully inspect file " + m_file));
-}
-
-/// Files on a disk of 64 KiB.
-class FullDisk : public TextFileFailure {
-protected:
-    [[nodiscard]] bool MakeDisk() const {
-        PrivateWorld world;
-        world.home = world.opt = world.dev = false;
-        world.smallDisk = m_folder.Path();
-        return EnterPrivateWorld(world);
-    }
-
-    void FillDisk() const {
-        const std::string block(4096, 'x');
-        const FileDescriptor filler(
-            open(m_folder.Path("filler").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
-        while (write(filler.Get(), block.data(), block.size()) > 0) {
-        }
-        EXPECT_EQ(errno, ENOSPC);
-    }
-};
-
-TEST_F(FullDisk, FailsARewrite) {
-    EXPECT_TRUE(HoldsInChild([this] {
-        ASSERT_TRUE(MakeDisk());
-        WriteFile(m_file, "");
-        FillDisk();
-        EXPECT_FALSE(SetTextFileContents(m_file, "text"));
-        EXPECT_THAT(m_log.Lines(), ElementsAre("E Failed to update file " + m_file));
-    }));
-}
-
-TEST_F(FullDisk, FailsARewriteLargerThanAnyBuffer) {
-    EXPECT_TRUE(HoldsInChild([this] {
-        ASSERT_TRUE(MakeDisk());
-        EXPECT_FALSE(SetTextFileContents(m_file, std::string(1 << 20, 'x')));
-        EXPECT_THAT(m_log.Lines(), ElementsAre("E Failed to update file " + m_file));
-    }));
-}
-
-TEST_F(FullDisk, LeavesRoomForEmptyContents) {
-    EXPECT_TRUE(HoldsInChild([this] {
-        ASSERT_TRUE(MakeDisk());
-        WriteFile(m_file, "text");
-        FillDisk();
-        EXPECT_TRUE(SetTextFileContents(m_file, ""));
-        EXPECT_THAT(m_log.Lines(), IsEmpty());
-    }));
-}
-
-TEST_F(FullDisk, FailsAnAppendedLine) {
-    EXPECT_TRUE(HoldsInChild([this] {
-        ASSERT_TRUE(MakeDisk());
-        WriteFile(m_file, "");
-        FillDisk();
-        EXPECT_FALSE(AppendLineToFile(m_file, "line"));
-        EXPECT_THAT(m_log.Lines(), ElementsAre("E Failed to append to file " + m_file));
-    }));
-}
-
-TEST_F(FullDisk, FailsAnInsertionThatDoesNotFit) {
-    EXPECT_TRUE(HoldsInChild([this] {
-        ASSERT_TRUE(MakeDisk());
-        WriteFile(m_file, "line\n");
-        FillDisk();
-        EXPECT_FALSE(insertIntoFilePreMatchingLine(m_file, std::string(70000, 'x'), "line"));
-        EXPECT_THAT(m_log.Lines(), ElementsAre("E Failed to update file " + m_file,
-                                               "E Failed to update file " + m_file));
-    }));
 }
 
 }  // namespace
