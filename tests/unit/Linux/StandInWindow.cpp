@@ -1,0 +1,72 @@
+// Stands where the window stands: each operation, carried out on the main thread, has its own URL
+// for a result. Nothing of the toolkit and the engine is linked.
+
+#include "StandInWindow.h"
+
+#include <cstdlib>
+#include <utility>
+
+#include "GtkBrowserWindow.h"
+#include "StandInLoop.h"
+
+namespace {
+
+std::function<void()> whileMade = [] {};
+
+}  // namespace
+
+void WhileWindowIsMade(std::function<void()> event) {
+    whileMade = std::move(event);
+}
+
+GtkBrowserWindow::GtkBrowserWindow(GtkApplication* /*application*/, ResultHandler resultHandler)
+    : m_resultHandler(std::move(resultHandler)) {
+    whileMade();
+}
+
+GtkBrowserWindow::~GtkBrowserWindow() = default;
+
+void GtkBrowserWindow::HandleOperation(const CBrowserOperation& operation) {
+    m_resultSent = false;
+    StandInLoop::Current().Post([this, operation] { carryOut(operation); });
+}
+
+void GtkBrowserWindow::carryOut(const CBrowserOperation& operation) {
+    m_url = operation.GetUrl();
+    CBrowserResult result(BrowserResultType::success_with_cookie, m_url);
+    SendResult(result, true);
+}
+
+void GtkBrowserWindow::SendResult(CBrowserResult& result, bool resultSentAfter) {
+    m_resultHandler(result);
+    m_resultSent = resultSentAfter;
+}
+
+// The controller calls none of these.
+void GtkBrowserWindow::LoadPage(const std::string& /*url*/, const std::string& /*finalUrl*/,
+                                const std::string& /*cookieName*/,
+                                const std::string& /*errorCookieName*/,
+                                const std::string& /*userAgent*/, std::uint32_t /*timeout*/) {
+    std::abort();
+}
+void GtkBrowserWindow::Show() {
+    std::abort();
+}
+void GtkBrowserWindow::Hide() {
+    std::abort();
+}
+void GtkBrowserWindow::ResetBrowser() {
+    std::abort();
+}
+
+// The parts of a window, which a stand-in never has.
+CAcceleratorSet::~CAcceleratorSet() = default;
+CPageGuard::~CPageGuard() = default;
+void webkit_script_dialog_unref(WebKitScriptDialog* /*dialog*/) {
+    std::abort();
+}
+
+// Any object may be the application.
+GType gtk_application_get_type() {
+    return G_TYPE_OBJECT;
+}
