@@ -46,7 +46,7 @@ void WriteFile(const fs::path& path, const std::string& text) {
 }
 
 void Bind(const fs::path& source, const fs::path& target) {
-    Check(mount(source.c_str(), target.c_str(), nullptr, MS_BIND | MS_REC, nullptr) == 0,
+    Check(mount(source.c_str(), target.c_str(), "none", MS_BIND | MS_REC, nullptr) == 0,
           "mount " + target.string());
 }
 
@@ -79,7 +79,7 @@ void UnshareMounts() {
     if (geteuid() != 0 || unshare(CLONE_NEWNS) != 0) {
         UnshareWithUserNamespace();
     }
-    Check(mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0, "make mounts private");
+    Check(mount(nullptr, "/", "none", MS_REC | MS_PRIVATE, nullptr) == 0, "make mounts private");
 }
 
 // An ordinary user shall not be spared the permission checks of its own files.

@@ -10,6 +10,10 @@ struct ReferenceCase {
     std::string decoded;
 };
 
+void PrintTo(const ReferenceCase& example, std::ostream* out) {
+    *out << example.description;
+}
+
 class CharacterReferences : public testing::TestWithParam<ReferenceCase> {};
 
 TEST_P(CharacterReferences, AreDecoded) {

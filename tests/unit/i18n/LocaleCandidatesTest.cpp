@@ -12,6 +12,10 @@ struct CandidatesCase {
     const char* candidates;
 };
 
+void PrintTo(const CandidatesCase& example, std::ostream* out) {
+    *out << example.description;
+}
+
 class LocaleCandidates : public testing::TestWithParam<CandidatesCase> {};
 
 TEST_P(LocaleCandidates, AreListedBestFirst) {

@@ -113,6 +113,10 @@ struct TitleCase {
     const char* title;
 };
 
+void PrintTo(const TitleCase& example, std::ostream* out) {
+    *out << example.description;
+}
+
 class LoginWindowTitle : public testing::TestWithParam<TitleCase> {};
 
 TEST_P(LoginWindowTitle, IsInTheUsersLanguage) {

@@ -72,6 +72,10 @@ struct RenderingCase {
     const char* text;
 };
 
+void PrintTo(const RenderingCase& example, std::ostream* out) {
+    *out << example.description;
+}
+
 class MsgWithArgRendering : public testing::TestWithParam<RenderingCase> {};
 
 TEST_P(MsgWithArgRendering, PutsTheArgumentsIn) {

@@ -98,6 +98,10 @@ struct MalformedCase {
     std::string bytes;
 };
 
+void PrintTo(const MalformedCase& example, std::ostream* out) {
+    *out << example.description;
+}
+
 std::string WithWord(std::size_t offset, std::uint32_t word) {
     std::string bytes = MoBytes({{"", "charset=utf-8\n"}, {"one", "eins"}});
     SetWord(bytes, offset, word);
@@ -184,8 +188,8 @@ TEST_F(TextDomainFiles, AreLoadedOnlyOnceTheyAreThere) {
 // Puts a folder in the place of another, for this process alone. Root needs no user namespace.
 bool PutInPlaceOf(const std::string& target, const std::string& folder) {
     return unshare(geteuid() == 0 ? CLONE_NEWNS : CLONE_NEWNS | CLONE_NEWUSER) == 0 &&
-           mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-           mount(folder.c_str(), target.c_str(), nullptr, MS_BIND, nullptr) == 0;
+           mount(nullptr, "/", "none", MS_REC | MS_PRIVATE, nullptr) == 0 &&
+           mount(folder.c_str(), target.c_str(), "none", MS_BIND, nullptr) == 0;
 }
 
 TEST_F(TextDomainFiles, OfTheDomainMessagesAreTheMachines) {

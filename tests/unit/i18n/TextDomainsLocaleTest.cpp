@@ -124,6 +124,10 @@ struct CategoryCase {
     const char* folder;
 };
 
+void PrintTo(const CategoryCase& example, std::ostream* out) {
+    *out << example.folder;
+}
+
 class TextDomainCategories : public TextDomainLocales,
                              public testing::WithParamInterface<CategoryCase> {};
 
