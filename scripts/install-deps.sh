@@ -5,6 +5,7 @@
 #   scripts/install-deps.sh --tests      what the tests need as well
 #   scripts/install-deps.sh --coverage   ... and what the report of their coverage needs
 #   scripts/install-deps.sh --bench      ... and what the benchmarks compare the program with
+#   scripts/install-deps.sh --sanitizers ... or what runs them under valgrind
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
@@ -30,6 +31,7 @@ case "${1:-}" in
     --tests) packages+=("${test_packages[@]}") ;;
     --coverage) packages+=("${test_packages[@]}" gcovr) ;;
     --bench) packages+=("${test_packages[@]}" python3 surf) ;;
+    --sanitizers) packages+=("${test_packages[@]}" valgrind) ;;
     *) fail "unknown argument: $1" ;;
 esac
 
