@@ -1,27 +1,36 @@
 #include "BuiltInMessages.h"
 
+// scripts/update-catalogs.sh makes the template of the catalogues from this table, with the
+// comments for translators.
+
 const std::string kProductFullName = "Velto Tunnelkeep VPN Client";
+// Translators: title of the window in which people sign in.
 const std::string kLoginWindowTitle = "Velto Tunnelkeep Login";
 
+// Translators: "_" stands before the letter that, with Alt, presses the button.
 const std::string kGetCertificateMnemonic = "_Get Certificate";
 const std::string kDisconnectMnemonic = "_Disconnect";
 const std::string kConnectMnemonic = "_Connect";
 const std::string kAcceptMnemonic = "_Accept";
 
+// Translators: keep the <b> and </b>.
 const std::string kConnectionInformationCaption = "<b>Connection Information</b>";
 
 const std::string kDayAmount = "%u Day";
+// Translators: for every number but 1, alike for 2, 5 and 21; so are the hours and minutes.
 const std::string kDaysAmount = "%u Days";
 const std::string kHourAmount = "%u Hour";
 const std::string kHoursAmount = "%u Hours";
 const std::string kMinuteAmount = "%u Minute";
 const std::string kMinutesAmount = "%u Minutes";
 
+// Translators: a blank stays a blank.
 const std::string kBlank = " ";
 
 const std::string kBrowserTitle = "Velto Tunnelkeep Browser";
 const std::string kUntrustedServerBlocked = "Untrusted Server Blocked!";
 const std::string kContinueAnywayQuestion = "Would you like to continue anyway?";
+// Translators: label of the button that leaves the untrusted server.
 const std::string kKeepMeSafe = "Keep Me Safe";
 const std::string kCertificateNameMismatch = "Certificate does not match the server name.";
 const std::string kCertificateRevoked = "Certificate has been revoked.";
@@ -29,21 +38,25 @@ const std::string kCertificateRevoked = "Certificate has been revoked.";
 const std::string kConnect = "Connect";
 const std::string kDisconnect = "Disconnect";
 const std::string kReconnect = "Reconnect";
+// Translators: state of the connection.
 const std::string kPaused = "Paused";
 const std::string kVpnConnected = "VPN Connected";
 
 const std::string kConnectionInformation = "Connection Information";
 const std::string kTransportInformation = "Transport Information";
+// Translators: routes whose traffic goes through the tunnel.
 const std::string kSecuredRoutesIpv4 = "Secured Routes (IPv4)";
 const std::string kTunnelModeIpv4 = "Tunnel Mode (IPv4):";
 const std::string kClientAddressIpv4 = "Client Address (IPv4)";
 
+// Translators: kind of a network.
 const std::string kWired = "Wired";
 const std::string kMobileBroadbandNetwork = "Mobile Broadband Network";
 const std::string kDynamicWep = "Dynamic WEP";
 const std::string kWpa2PersonalAes = "WPA2 Personal AES";
 const std::string k8021X = "802.1X";
 
+// Translators: the banner is a text that a user has to accept before the connection.
 const std::string kUserDeclinedBanner = "User declined banner.";
 const std::string kUserCredentialsEntered = "User credentials entered.";
 const std::string kUserCredentialsPromptCancelled = "User credentials prompt cancelled.";
