@@ -11,7 +11,21 @@ DESTDIR=$stage cmake --install "$build" >/dev/null
 
 diff - <(cd "$stage$root" && find . -type f -printf '%m %p\n' | sort -k 2) <<'LIST'
 755 ./bin/tkwebhelper
+644 ./l10n/cs/LC_MESSAGES/Tunnelkeep.mo
 644 ./l10n/de/LC_MESSAGES/Tunnelkeep.mo
+644 ./l10n/es/LC_MESSAGES/Tunnelkeep.mo
+644 ./l10n/fr/LC_MESSAGES/Tunnelkeep.mo
+644 ./l10n/it/LC_MESSAGES/Tunnelkeep.mo
+644 ./l10n/ja/LC_MESSAGES/Tunnelkeep.mo
+644 ./l10n/ko/LC_MESSAGES/Tunnelkeep.mo
+644 ./l10n/pl/LC_MESSAGES/Tunnelkeep.mo
+644 ./l10n/pt-br/LC_MESSAGES/Tunnelkeep.mo
+644 ./l10n/ru/LC_MESSAGES/Tunnelkeep.mo
+644 ./l10n/zh-cn/LC_MESSAGES/Tunnelkeep.mo
+644 ./l10n/zh-hk/LC_MESSAGES/Tunnelkeep.mo
+644 ./l10n/zh-mo/LC_MESSAGES/Tunnelkeep.mo
+644 ./l10n/zh-sg/LC_MESSAGES/Tunnelkeep.mo
+644 ./l10n/zh-tw/LC_MESSAGES/Tunnelkeep.mo
 644 ./resources/vpnui128.png
 LIST
 # Nothing stands outside the root.

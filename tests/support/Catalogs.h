@@ -19,6 +19,7 @@ void CompileCatalog(const std::string& path, const std::string& source,
                                       const std::string& category = "LC_MESSAGES");
 
 /// Makes the locales below known to setlocale() in this process and its children: de, de_DE,
-/// de_DE.UTF-8, de@euro, de_DE@euro, de_DE.UTF-8@euro, sr_RS@latin, fr_FR.UTF-8, C@euro and
-/// POSIX@euro. A bare machine has none of them.
+/// de_DE.UTF-8, de@euro, de_DE@euro, de_DE.UTF-8@euro, sr_RS@latin, C@euro, POSIX@euro, pt_BR, and
+/// with "UTF-8" the usual one of each catalogue that comes with the program. A bare machine has
+/// none of them.
 void UseTestLocales();
