@@ -88,3 +88,11 @@ TEST_F(Title, IgnoresTheListOfLanguages) {
     ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady({{"LC_ALL", "fr_FR.UTF-8"}, {"LANGUAGE", "de"}}));
     EXPECT_EQ(m_screen.Title(ShowWaitingPage()), kEnglish);
 }
+
+TEST_F(Title, IsEnglishWhereTheCategoriesOfTheLocaleDiffer) {
+    Install("de");
+    UseTestLocales();
+    ASSERT_NO_FATAL_FAILURE(
+        LaunchAndAwaitReady({{"LC_ALL", std::nullopt}, {"LANG", "de_DE.UTF-8"}, {"LC_TIME", "C"}}));
+    EXPECT_EQ(m_screen.Title(ShowWaitingPage()), kEnglish);
+}
