@@ -2,7 +2,8 @@
 # Installs the Debian packages that are missing, and does nothing when none is.
 #
 #   scripts/install-deps.sh              what the program and the demo need
-#   scripts/install-deps.sh --tests      what the tests need as well
+#   scripts/install-deps.sh --package    what packing needs as well
+#   scripts/install-deps.sh --tests      ... and what the tests need
 #   scripts/install-deps.sh --coverage   ... and what the report of their coverage needs
 #   scripts/install-deps.sh --bench      ... and what the benchmarks compare the program with
 #   scripts/install-deps.sh --sanitizers ... or what runs them under valgrind
@@ -19,7 +20,9 @@ packages=(
     # to show the window without a display, and to take its picture
     fonts-dejavu-core scrot xvfb
 )
+package_packages=(debhelper lintian)
 test_packages=(
+    "${package_packages[@]}" fakeroot groff-base
     libbenchmark-dev libgmock-dev libgtest-dev dbus-bin dbus-daemon
     libnss-wrapper libpng-dev libssl-dev libxcb-xtest0-dev libxcb1-dev locales openssl
     at-spi2-core gir1.2-atspi-2.0 python3 python3-gi weston
@@ -28,6 +31,7 @@ test_packages=(
 
 case "${1:-}" in
     "") ;;
+    --package) packages+=("${package_packages[@]}") ;;
     --tests) packages+=("${test_packages[@]}") ;;
     --coverage) packages+=("${test_packages[@]}" gcovr) ;;
     --bench) packages+=("${test_packages[@]}" python3 surf) ;;

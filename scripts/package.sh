@@ -1,0 +1,20 @@
+#!/bin/bash
+# Builds the program and packs it for Debian, into build/packages: the program, and its debug
+# symbols. Shows what the package holds and what lintian says, which fails at anything that has no
+# reason in packaging/debian.
+set -euo pipefail
+source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+
+packages=$root/build/packages
+
+"$root/scripts/install-deps.sh" --package || exit 1
+build release tkwebhelper catalogs
+"$root/packaging/pack.sh" "$root/build/release" "$packages"
+
+step "Contents"
+dpkg-deb --contents "$packages"/tunnelkeep-webhelper_*.deb
+
+step "lintian"
+lintian --display-info --pedantic --fail-on pedantic,info,warning,error "$packages"/*.deb ||
+    fail "$current_step"
+printf '\npackage.sh: packages in %s\n' "$packages"

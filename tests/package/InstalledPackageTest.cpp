@@ -1,0 +1,109 @@
+// The Debian package from its installation to its removal, in a system's root of the test's own.
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <set>
+
+#include "Catalogs.h"
+#include "FileDescriptor.h"
+#include "LaunchedProcess.h"
+#include "SystemLog.h"
+#include "TemporaryFolder.h"
+#include "TestDeadline.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr char kProgram[] = "/opt/velto/tunnelkeep/bin/tkwebhelper";
+constexpr char kDatabase[] = "var/lib/dpkg";
+
+std::string PathOfThePackage() {
+    for (const fs::directory_entry& entry : fs::directory_iterator(TK_PACKAGES)) {
+        if (entry.path().filename().string().rfind("tunnelkeep-webhelper_", 0) == 0) {
+            return entry.path();
+        }
+    }
+    return "no package in " TK_PACKAGES;
+}
+
+class InstalledPackage : public testing::Test {
+protected:
+    // What this machine has installed counts as installed there, so that dpkg finds out whether the
+    // package's dependencies are met. The program looks for its files below /opt.
+    InstalledPackage() {
+        fs::create_directories(m_root.Path(kDatabase) + "/info");
+        fs::create_directories(m_root.Path(kDatabase) + "/updates");
+        fs::copy("/var/lib/dpkg/status", m_root.Path(kDatabase));
+        fs::create_directory_symlink(m_root.Path("opt/velto"), "/opt/velto");
+    }
+    ~InstalledPackage() override { fs::remove("/opt/velto"); }
+
+    /// Runs a program to its end; gives what it printed when that was not a success.
+    [[nodiscard]] testing::AssertionResult Succeeds(
+        const std::vector<std::string>& arguments,
+        std::map<std::string, std::optional<std::string>> environment = {}) {
+        const FileDescriptor output(
+            open(m_output.Path("text").c_str(), O_CREAT | O_TRUNC | O_WRONLY | O_CLOEXEC, 0600));
+        LaunchCommand command;
+        command.arguments = arguments;
+        command.environment = std::move(environment);
+        command.output = command.error = output.Get();
+        CLaunchedProcess process;
+        std::string reason;
+        if (!process.Start(command, reason)) {
+            return testing::AssertionFailure() << reason;
+        }
+        const std::optional<ProcessEnd> end = process.WaitForEnd(DeadlineIn(kTestDeadline));
+        if (end.has_value() && end->IsSuccess()) {
+            return testing::AssertionSuccess();
+        }
+        return testing::AssertionFailure() << (end.has_value() ? end->Text() : "still runs") << "\n"
+                                           << ReadFile(m_output.Path("text"));
+    }
+
+    /// Whether dpkg does this in the root. It believes to be root, whoever runs the test, and that
+    /// it changes owners: the private world of an ordinary user knows no other.
+    [[nodiscard]] testing::AssertionResult Dpkg(const std::string& action,
+                                                const std::string& package) {
+        return Succeeds({"/usr/bin/fakeroot", "dpkg", "--root=" + m_root.Path(),
+                         "--log=" + m_output.Path("log"), action, package},
+                        {{"PATH", "/usr/sbin:/usr/bin:/sbin:/bin"}, {"FAKEROOTDONTTRYCHOWN", "1"}});
+    }
+
+    /// Everything in the root but dpkg's own database.
+    [[nodiscard]] std::set<std::string> Entries() const {
+        std::set<std::string> entries;
+        for (const auto& entry : fs::recursive_directory_iterator(m_root.Path())) {
+            const std::string path = fs::relative(entry.path(), m_root.Path());
+            if (path.rfind("var", 0) != 0) {
+                entries.insert(path);
+            }
+        }
+        return entries;
+    }
+
+    SystemLog m_log;
+
+private:
+    TemporaryFolder m_root;
+    TemporaryFolder m_output;
+};
+
+}  // namespace
+
+TEST_F(InstalledPackage, SignsInAndLeavesNothingBehind) {
+    ASSERT_TRUE(Dpkg("--install", PathOfThePackage()));
+    EXPECT_THAT(Entries(), testing::Contains("opt/velto/tunnelkeep/bin/tkwebhelper"));
+
+    UseTestLocales();
+    EXPECT_TRUE(Succeeds({TKAGENT_PATH, "demo", "--unattended", "--helper", kProgram},
+                         {{"LC_ALL", "pt_BR.UTF-8"}}));
+    EXPECT_TRUE(m_log.WaitFor("The character set is utf-8."));
+
+    EXPECT_TRUE(Dpkg("--purge", "tunnelkeep-webhelper"));
+    EXPECT_THAT(Entries(), testing::IsEmpty());
+}
