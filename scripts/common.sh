@@ -2,6 +2,7 @@
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 current_step=""
+configure_options=()
 
 # step TEXT: announces what comes next.
 step() {
@@ -16,13 +17,14 @@ fail() {
 }
 
 # build PRESET [TARGET...]: configures and builds, with Ninja's own progress; everything when no
-# target is named. Configuring says a lot that nobody needs, so it is shown only when it fails.
+# target is named, with configure_options on top of the preset's. Configuring says a lot that nobody
+# needs, so it is shown only when it fails.
 build() {
     local preset=$1 log
     shift
     step "Configure ($preset)"
     log=$(mktemp)
-    if ! (cd "$root" && cmake --preset "$preset") >"$log" 2>&1; then
+    if ! (cd "$root" && cmake --preset "$preset" "${configure_options[@]}") >"$log" 2>&1; then
         cat "$log"
         rm -f "$log"
         fail "$current_step"

@@ -29,6 +29,8 @@ start_virtual_display() {
 }
 
 "$root/scripts/install-deps.sh" || exit 1
+# The tests need packages that the demo does without.
+configure_options=(-DTK_BUILD_TESTS=OFF)
 build release tkwebhelper tkagent
 tkagent=$root/build/release/bin/tkagent
 
