@@ -123,7 +123,7 @@ bool CTextDomains::Bind(const char* domain, const char* directory) {
 const char* CTextDomains::Translate(const char* domain, const char* key, int category) {
     const char* const categoryName = CategoryName(category);
     const char* const localeName = std::setlocale(LC_ALL, nullptr);
-    if (categoryName == nullptr || localeName == nullptr || !m_candidates.Build(localeName)) {
+    if (categoryName == nullptr || localeName == nullptr || !ListCandidates(localeName)) {
         return key;
     }
     Binding* const binding = FindBinding(domain);
@@ -132,6 +132,15 @@ const char* CTextDomains::Translate(const char* domain, const char* key, int cat
     }
     const char* const translation = binding->catalog.Find(key);
     return translation != nullptr ? translation : key;
+}
+
+bool CTextDomains::ListCandidates(const char* localeName) {
+    if (m_localeName != localeName) {
+        m_localeName.clear();
+        m_candidatesFit = m_candidates.Build(localeName);
+        m_localeName = localeName;
+    }
+    return m_candidatesFit;
 }
 
 std::string CTextDomains::CurrentCharset() const {

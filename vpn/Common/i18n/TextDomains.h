@@ -56,6 +56,8 @@ private:
         bool isLoaded = false;
     };
 
+    /// Lists the candidates of a locale anew when it is another than that of the lookup before.
+    bool ListCandidates(const char* localeName);
     Binding* FindBinding(const char* domain);
     bool SelectCatalog(Binding& binding, const char* category);
     bool IsLastSelection(const Binding& binding, const char* category) const;
@@ -64,7 +66,9 @@ private:
     char m_current[kNameSize] = "";
     // Newest first, never taken out: a binding keeps its place for the process's life.
     std::forward_list<Binding> m_bindings;
-    // Those of the lookup that is going on.
+    // Those of the lookup that is going on, and the locale that they are of; it has a name.
+    std::string m_localeName;
+    bool m_candidatesFit = false;
     CLocaleCandidates m_candidates;
 
     // How the last catalogue was selected: asking the same again needs no look at the disk.
