@@ -32,8 +32,8 @@ void GtkBrowserWindow::HandleOperation(const CBrowserOperation& operation) {
 }
 
 void GtkBrowserWindow::carryOut(const CBrowserOperation& operation) {
-    m_url = operation.GetUrl();
-    CBrowserResult result(BrowserResultType::success_with_cookie, m_url);
+    m_finalUrl = operation.GetUrl();
+    CBrowserResult result(BrowserResultType::success_with_cookie, m_finalUrl);
     SendResult(result, true);
 }
 
@@ -62,6 +62,7 @@ void GtkBrowserWindow::ResetBrowser() {
 // The parts of a window, which a stand-in never has.
 CAcceleratorSet::~CAcceleratorSet() = default;
 CPageGuard::~CPageGuard() = default;
+COperationLoad::~COperationLoad() = default;
 void webkit_script_dialog_unref(WebKitScriptDialog* /*dialog*/) {
     std::abort();
 }
