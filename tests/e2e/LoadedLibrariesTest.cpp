@@ -12,6 +12,8 @@
 namespace {
 
 using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
 
 /// The files mapped into a process whose names begin with this.
 std::set<std::string> MappedFiles(pid_t process, const std::string& beginning) {
@@ -28,11 +30,11 @@ std::set<std::string> MappedFiles(pid_t process, const std::string& beginning) {
 
 class LoadedLibraries : public HelperTest {
 protected:
-    /// The files of libsoup in the program and in its children.
-    [[nodiscard]] std::set<std::string> SoupLibraries() const {
-        std::set<std::string> names = MappedFiles(m_helper.Pid(), "libsoup-");
+    /// The files of this beginning in the program and in its children.
+    [[nodiscard]] std::set<std::string> Libraries(const std::string& beginning) const {
+        std::set<std::string> names = MappedFiles(m_helper.Pid(), beginning);
         for (const pid_t child : Descendants(m_helper.Pid())) {
-            names.merge(MappedFiles(child, "libsoup-"));
+            names.merge(MappedFiles(child, beginning));
         }
         return names;
     }
@@ -43,11 +45,25 @@ protected:
 // The engine gives up in a process that holds both generations of the library.
 TEST_F(LoadedLibraries, HaveOneGenerationOfTheHttpLibrary) {
     ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
-    EXPECT_THAT(SoupLibraries(), ElementsAre(TK_SOUP_LIBRARY));
+    EXPECT_THAT(Libraries("libsoup-"), ElementsAre(TK_SOUP_LIBRARY));
     // Media make the engine load whatever can play them.
     m_server.ServePage("/media", "<video src='/film.webm' autoplay></video><audio src='/a.ogg'>");
     BrowseTo("/media");
     EXPECT_EQ(NextResult(), "success");
-    EXPECT_THAT(SoupLibraries(), ElementsAre(TK_SOUP_LIBRARY));
+    EXPECT_THAT(Libraries("libsoup-"), ElementsAre(TK_SOUP_LIBRARY));
     EXPECT_EQ(Terminate(), "exited with status 0");
+}
+
+// It comes with a compiler: half of the start. The engine loads it for the first page anyway, but
+// beside the page's processes, which take longer.
+TEST_F(LoadedLibraries, LackTheGraphicsDriverAtTheStart) {
+    ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
+    EXPECT_THAT(MappedFiles(m_helper.Pid(), "libLLVM"), IsEmpty());
+    EXPECT_THAT(MappedFiles(m_helper.Pid(), "libEGL_"), IsEmpty());
+    EXPECT_EQ(Terminate(), "exited with status 0");
+}
+
+TEST_F(LoadedLibraries, HaveTheGraphicsDriverWhereTheEnvironmentWantsIt) {
+    ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady({{"WEBKIT_DISABLE_DMABUF_RENDERER", "0"}}));
+    EXPECT_THAT(MappedFiles(m_helper.Pid(), "libEGL_"), Not(IsEmpty()));
 }

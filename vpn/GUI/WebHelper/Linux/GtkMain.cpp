@@ -107,6 +107,7 @@ int RunApplication(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     KeepSecretsPrivate();
+    StartWithoutGraphicsDriver();
     LogWhatEndsTheProgram();
     const CInstanceSmartPtr<StoragePath> storagePath = CreateStoragePath();
     SetUpTranslation();

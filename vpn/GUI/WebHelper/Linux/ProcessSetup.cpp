@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <initializer_list>
 #include <tuple>
@@ -50,6 +51,10 @@ GLogWriterOutput writeMessageCB(GLogLevelFlags level, const GLogField* fields, g
 }
 
 }  // namespace
+
+void StartWithoutGraphicsDriver() {
+    setenv("WEBKIT_DISABLE_DMABUF_RENDERER", "1", 0);
+}
 
 void LogWhatEndsTheProgram() {
     g_log_set_writer_func(writeMessageCB, nullptr, nullptr);
