@@ -34,8 +34,9 @@ build() {
     cmake --build "$root/build/$preset" ${1:+--target "$@"} || fail "$current_step"
 }
 
-# run_suites PRESET: every test of a build, several at a time.
+# run_suites PRESET [OPTION...]: the tests of a build, several at a time; all, unless ctest's options
+# choose some.
 run_suites() {
     step "Tests ($1)"
-    (cd "$root" && ctest --preset "$1" -j "$(nproc)") || fail "$current_step"
+    (cd "$root" && ctest --preset "$1" -j "$(nproc)" "${@:2}") || fail "$current_step"
 }

@@ -23,6 +23,8 @@ packages=(
 package_packages=(debhelper lintian)
 test_packages=(
     "${package_packages[@]}" fakeroot groff-base
+    # the engine's newer API, which is tested beside the other
+    libwebkit2gtk-4.1-dev libsoup-3.0-dev
     libbenchmark-dev libgmock-dev libgtest-dev dbus-bin dbus-daemon
     libnss-wrapper libpng-dev libssl-dev libxcb-xtest0-dev libxcb1-dev locales openssl
     at-spi2-core gir1.2-atspi-2.0 python3 python3-gi weston

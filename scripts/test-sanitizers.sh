@@ -71,7 +71,7 @@ run_memcheck() {
 
 suites_without_engine() {
     find "$root/build/release/tests" -maxdepth 1 -name '*_tests' \
-        ! -name 'window_*' ! -name 'e2e_*' ! -name controller_tests -printf '%f\n' | sort
+        ! -name 'window_*' ! -name 'e2e_*' ! -name controller_tests ! -name package_tests -printf '%f\n' | sort
 }
 
 stages=("$@")

@@ -96,7 +96,8 @@ TEST_F(MissingProgram, OfTheNetworkEndsTheProgramBeforeItIsReady) {
     ASSERT_NO_FATAL_FAILURE(LaunchAndAccept());
     EXPECT_EQ(NextResult(), "(closed)");
     EXPECT_EQ(AwaitPromptEnd(), "was killed by SIGTRAP");
-    EXPECT_THAT(LogLines(), Contains(AllOf(StartsWith("E "), HasSubstr("WebKitNetworkProcess"))));
+    EXPECT_THAT(LogLines(),
+                Contains(AllOf(StartsWith("E GLib: "), HasSubstr("WebKitNetworkProcess"))));
 }
 
 TEST_F(MissingProgram, OfPagesEndsTheProgramWithItsFirstPage) {
@@ -106,7 +107,7 @@ TEST_F(MissingProgram, OfPagesEndsTheProgramWithItsFirstPage) {
     const std::set<pid_t> children = Descendants(m_helper.Pid());
     EXPECT_EQ(NextResult(), "(closed)");
     EXPECT_EQ(AwaitPromptEnd(), "was killed by SIGTRAP");
-    EXPECT_THAT(LogLines(), Contains(AllOf(StartsWith("E "), HasSubstr("WebKitWebProcess"))));
+    EXPECT_THAT(LogLines(), Contains(AllOf(StartsWith("E GLib: "), HasSubstr("WebKitWebProcess"))));
     ExpectGone(children);
 }
 

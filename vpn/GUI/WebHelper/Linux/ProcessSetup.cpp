@@ -45,7 +45,8 @@ GLogWriterOutput writeMessageCB(GLogLevelFlags level, const GLogField* fields, g
     const char* const domain = FieldOf(fields, count, "GLIB_DOMAIN");
     if (IsLastWord(level, domain)) {
         // Nobody keeps the error stream, to which it also goes.
-        TK_LOG_ERROR("%s: %s", domain, FieldOf(fields, count, "MESSAGE"));
+        TK_LOG_ERROR("%s: %s", domain[0] != '\0' ? domain : "GLib",
+                     FieldOf(fields, count, "MESSAGE"));
     }
     return g_log_writer_default(level, fields, count, nullptr);
 }
