@@ -2,98 +2,14 @@
 // not be slower than those that it takes the place of, and grow with the logarithm of the
 // catalogue.
 
-#include <benchmark/benchmark.h>
-#include <dlfcn.h>
-#include <libintl.h>
-
 #include <algorithm>
-#include <clocale>
-#include <filesystem>
-#include <map>
 #include <random>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
-#include "Catalogs.h"
-#include "TemporaryFolder.h"
+#include "CatalogPeers.h"
 
 namespace {
-
-struct Gettext {
-    char* (*bind)(const char* domain, const char* directory);
-    char* (*lookUp)(const char* domain, const char* key, int category);
-};
-
-struct Ours {
-    static Gettext Functions() { return {bindtextdomain, dcgettext}; }
-};
-
-// Its functions have the names of ours, which come first wherever a name is looked up.
-struct CLibrary {
-    static Gettext Functions() {
-        void* const library = dlopen("libc.so.6", RTLD_LAZY | RTLD_NOLOAD);
-        return {
-            reinterpret_cast<decltype(Gettext::bind)>(dlsym(library, "bindtextdomain")),
-            reinterpret_cast<decltype(Gettext::lookUp)>(dlsym(library, "dcgettext")),
-        };
-    }
-};
-
-std::string Key(std::size_t number) {
-    return "message " + std::to_string(number);
-}
-
-std::string Translation(std::size_t number) {
-    return "Meldung " + std::to_string(number);
-}
-
-/// Catalogues of each size, made when first asked for, in a locale that the process then has.
-class CatalogFolder {
-public:
-    CatalogFolder() {
-        UseTestLocales();
-        if (std::setlocale(LC_ALL, "de_DE.UTF-8") == nullptr) {
-            throw std::runtime_error("no locale de_DE.UTF-8");
-        }
-    }
-
-    std::string Path() const { return m_folder.Path(); }
-
-    std::string Domain(std::size_t messages) {
-        const std::string domain = "size" + std::to_string(messages);
-        if (!std::filesystem::exists(FileOf(domain))) {
-            std::string entries;
-            for (std::size_t number = 0; number < messages; ++number) {
-                entries +=
-                    "msgid \"" + Key(number) + "\"\nmsgstr \"" + Translation(number) + "\"\n";
-            }
-            CompileCatalog(FileOf(domain), CatalogSource("UTF-8", entries));
-        }
-        return domain;
-    }
-
-    /// The same catalogue under a name that nobody has looked up yet.
-    std::string NewDomain(std::size_t messages) {
-        const std::string original = Domain(messages);
-        std::string domain = "copy" + std::to_string(++m_copies);
-        std::filesystem::create_hard_link(FileOf(original), FileOf(domain));
-        return domain;
-    }
-
-private:
-    std::string FileOf(const std::string& domain) const {
-        return CatalogPath(m_folder.Path(), "de", domain);
-    }
-
-    TemporaryFolder m_folder;
-    std::size_t m_copies = 0;
-};
-
-CatalogFolder& Catalogs() {
-    static CatalogFolder folder;
-    return folder;
-}
 
 /// Keys in an order that no cache of the last lookups helps with.
 std::vector<std::string> MixedKeys(std::size_t messages) {
@@ -137,41 +53,11 @@ void MissingLookup(benchmark::State& state) {
     LookUp<Peer>(state, {"nobody has translated this"});
 }
 
-/// Binds a domain and looks its first message up, which loads the catalogue.
-template <class Peer>
-void Load(benchmark::State& state) {
-    const Gettext gettext = Peer::Functions();
-    const std::string folder = Catalogs().Path();
-    const std::string key = Key(7);
-    for (auto round : state) {
-        state.PauseTiming();
-        const std::string domain = Catalogs().NewDomain(static_cast<std::size_t>(state.range(0)));
-        state.ResumeTiming();
-        gettext.bind(domain.c_str(), folder.c_str());
-        const char* const text = gettext.lookUp(domain.c_str(), key.c_str(), LC_MESSAGES);
-        if (text == key.c_str()) {
-            state.SkipWithError("the catalogue is not loaded");
-            return;
-        }
-    }
-}
-
-void Sizes(benchmark::internal::Benchmark* benchmark) {
-    benchmark->Arg(10)->Arg(1000)->Arg(20000);
-}
-
-// Neither runtime unloads these: a fixed number keeps the process small.
-void FewLoads(benchmark::internal::Benchmark* benchmark) {
-    benchmark->Apply(Sizes)->Iterations(50)->Unit(benchmark::kMicrosecond);
-}
-
 BENCHMARK_TEMPLATE(RepeatedLookup, Ours)->Apply(Sizes);
 BENCHMARK_TEMPLATE(RepeatedLookup, CLibrary)->Apply(Sizes);
 BENCHMARK_TEMPLATE(DifferentLookups, Ours)->Apply(Sizes);
 BENCHMARK_TEMPLATE(DifferentLookups, CLibrary)->Apply(Sizes);
 BENCHMARK_TEMPLATE(MissingLookup, Ours)->Apply(Sizes);
 BENCHMARK_TEMPLATE(MissingLookup, CLibrary)->Apply(Sizes);
-BENCHMARK_TEMPLATE(Load, Ours)->Apply(FewLoads);
-BENCHMARK_TEMPLATE(Load, CLibrary)->Apply(FewLoads);
 
 }  // namespace

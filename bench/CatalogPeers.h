@@ -1,0 +1,92 @@
+#pragma once
+
+#include <benchmark/benchmark.h>
+#include <dlfcn.h>
+#include <libintl.h>
+
+#include <clocale>
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+
+#include "Catalogs.h"
+#include "TemporaryFolder.h"
+
+struct Gettext {
+    char* (*bind)(const char* domain, const char* directory);
+    char* (*lookUp)(const char* domain, const char* key, int category);
+};
+
+struct Ours {
+    static Gettext Functions() { return {bindtextdomain, dcgettext}; }
+};
+
+// Its functions have the names of ours, which come first wherever a name is looked up.
+struct CLibrary {
+    static Gettext Functions() {
+        void* const library = dlopen("libc.so.6", RTLD_LAZY | RTLD_NOLOAD);
+        return {
+            reinterpret_cast<decltype(Gettext::bind)>(dlsym(library, "bindtextdomain")),
+            reinterpret_cast<decltype(Gettext::lookUp)>(dlsym(library, "dcgettext")),
+        };
+    }
+};
+
+inline std::string Key(std::size_t number) {
+    return "message " + std::to_string(number);
+}
+
+inline std::string Translation(std::size_t number) {
+    return "Meldung " + std::to_string(number);
+}
+
+/// Catalogues of each size, made when first asked for, in a locale that the process then has.
+class CatalogFolder {
+public:
+    CatalogFolder() {
+        UseTestLocales();
+        if (std::setlocale(LC_ALL, "de_DE.UTF-8") == nullptr) {
+            throw std::runtime_error("no locale de_DE.UTF-8");
+        }
+    }
+
+    std::string Path() const { return m_folder.Path(); }
+
+    std::string Domain(std::size_t messages) {
+        const std::string domain = "size" + std::to_string(messages);
+        if (!std::filesystem::exists(FileOf(domain))) {
+            std::string entries;
+            for (std::size_t number = 0; number < messages; ++number) {
+                entries +=
+                    "msgid \"" + Key(number) + "\"\nmsgstr \"" + Translation(number) + "\"\n";
+            }
+            CompileCatalog(FileOf(domain), CatalogSource("UTF-8", entries));
+        }
+        return domain;
+    }
+
+    /// The same catalogue under a name that nobody has looked up yet.
+    std::string NewDomain(std::size_t messages) {
+        const std::string original = Domain(messages);
+        std::string domain = "copy" + std::to_string(++m_copies);
+        std::filesystem::create_hard_link(FileOf(original), FileOf(domain));
+        return domain;
+    }
+
+private:
+    std::string FileOf(const std::string& domain) const {
+        return CatalogPath(m_folder.Path(), "de", domain);
+    }
+
+    TemporaryFolder m_folder;
+    std::size_t m_copies = 0;
+};
+
+inline CatalogFolder& Catalogs() {
+    static CatalogFolder folder;
+    return folder;
+}
+
+inline void Sizes(benchmark::internal::Benchmark* benchmark) {
+    benchmark->Arg(10)->Arg(1000)->Arg(20000);
+}
