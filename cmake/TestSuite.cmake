@@ -1,16 +1,37 @@
-# tk_add_suite(<name> SOURCES <files> LINKS <targets> [TIMEOUT <seconds>] [PROPERTIES <of its tests>])
+# tk_add_test_headers(<name> HEADERS <files> LINKS <targets>)
+#
+# Headers that many suites include, compiled once: reading them takes longer than all the rest.
+function(tk_add_test_headers name)
+    cmake_parse_arguments(set "" "" "HEADERS;LINKS" ${ARGN})
+    set(nothing "${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp")
+    file(CONFIGURE OUTPUT "${nothing}" CONTENT "")
+    add_library(${name} OBJECT "${nothing}")
+    target_precompile_headers(${name} PRIVATE ${set_HEADERS})
+    # As an executable's sources are compiled, or the compiler refuses to use it for them.
+    set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE OFF)
+    target_compile_options(${name} PRIVATE -fPIE)
+    target_link_libraries(${name} PRIVATE tk_options ${set_LINKS})
+endfunction()
+
+# tk_add_suite(<name> SOURCES <files> LINKS <targets> [HEADERS <target>] [TIMEOUT <seconds>]
+#     [PROPERTIES <of its tests>])
 #
 # One GoogleTest program, <name>, whose cases ctest runs one by one, so that they can run in
 # parallel and in any order. A suite links exactly the library that it tests, and test support.
-# GoogleTest's own main() is there for a suite that has none.
+# GoogleTest's own main() is there for a suite that has none. HEADERS names other precompiled headers
+# than GoogleTest's.
 function(tk_add_suite name)
-    cmake_parse_arguments(suite "" "TIMEOUT" "SOURCES;LINKS;PROPERTIES" ${ARGN})
+    cmake_parse_arguments(suite "" "HEADERS;TIMEOUT" "SOURCES;LINKS;PROPERTIES" ${ARGN})
+    if(NOT suite_HEADERS)
+        set(suite_HEADERS tk_test_headers)
+    endif()
     if(NOT suite_TIMEOUT)
         set(suite_TIMEOUT 120)
     endif()
     add_executable(${name} ${suite_SOURCES})
     set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
     target_include_directories(${name} PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}")
+    target_precompile_headers(${name} REUSE_FROM ${suite_HEADERS})
     target_link_libraries(${name} PRIVATE tk_options ${suite_LINKS} GTest::gmock_main)
     gtest_discover_tests(${name}
         TEST_PREFIX "${name}."
