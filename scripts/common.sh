@@ -35,8 +35,8 @@ build() {
 }
 
 # run_suites PRESET [OPTION...]: the tests of a build, several at a time; all, unless ctest's options
-# choose some.
+# choose some. A test that waits leaves its processor to another.
 run_suites() {
     step "Tests ($1)"
-    (cd "$root" && ctest --preset "$1" -j "$(nproc)" "${@:2}") || fail "$current_step"
+    (cd "$root" && ctest --preset "$1" -j "$(($(nproc) + 1))" "${@:2}") || fail "$current_step"
 }

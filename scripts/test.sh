@@ -10,8 +10,8 @@ build release
 build fuzz fuzzers
 run_suites fuzz
 # Through these suites all goes that differs between the engine's two APIs.
-suites=(page_rules_tests window_cookies_tests window_cookie_header_tests window_old_engine_tests
-    window_tls_tests e2e_loaded_libraries_tests e2e_operations_tests)
+suites=(page_rules_tests window_cookie_header_tests e2e_loaded_libraries_tests
+    e2e_operations_tests)
 build release-4.1 "${suites[@]}"
 run_suites release-4.1 --tests-regex "^($(IFS='|' && echo "${suites[*]}"))\."
 # ctest has the last word.
