@@ -106,9 +106,16 @@ protected:
 /// The moments of a load, each in a load of its own, of one program.
 class Moments : public ProcessFaults {
 protected:
-    /// A piece that has come is told by a request that gets its 404; a part never comes.
+    /// A piece that has come is told by a request that gets its 404; a part never comes. A process
+    /// that dies before the program has heard of the load's start takes the load with it, and it is
+    /// asked for once more: then nothing comes.
     void ServeUpTo(const Moment& moment) {
-        m_server.Handle("/page", [sent = moment.sent](HttpExchange& exchange) {
+        const std::size_t before = m_server.CountRequests("/page");
+        m_server.Handle("/page", [this, before, sent = moment.sent](HttpExchange& exchange) {
+            if (m_server.CountRequests("/page") > before + 1) {
+                exchange.Cut();
+                return;
+            }
             exchange.SendRaw(sent);
             exchange.WaitForRelease();
         });

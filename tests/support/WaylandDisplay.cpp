@@ -36,7 +36,9 @@ WaylandDisplay::WaylandDisplay() {
 }
 
 std::map<std::string, std::optional<std::string>> WaylandDisplay::Environment() const {
-    return {{"XDG_RUNTIME_DIR", m_runtimeFolder.Path()},
+    // Without a screen there is no keyboard either, which the toolkit calls critical.
+    return {{"G_DEBUG", std::nullopt},
+            {"XDG_RUNTIME_DIR", m_runtimeFolder.Path()},
             {"WAYLAND_DISPLAY", kSocket},
             {"GDK_BACKEND", std::nullopt},
             {"DISPLAY", std::nullopt}};
