@@ -104,6 +104,7 @@ void Measure(const Amount& amount, TimedPages& pages) {
     MeasuredFloor floor({pages.NewPage()});
     static_cast<void>(floor.AwaitLine("ready"));
     static_cast<void>(floor.AwaitLine("finished"));
+    // What is measured here is that nothing happens: there is no event to wait for.
     std::this_thread::sleep_for(std::min(kRest, std::chrono::seconds(amount.seconds)));
     const Watched ours("Ours", helper.Process().Pid());
     const Watched theirs("Floor", floor.Process().Pid());

@@ -8,8 +8,8 @@
 void KeepSecretsPrivate();
 
 /// Keeps the engine from setting up the graphics driver at start, half of whose time that takes: it
-/// is loaded behind `ready` then. Whoever sets the engine's variable decides otherwise. Called first
-/// of all, while there is one thread.
+/// is loaded behind `ready` then. Whoever sets the engine's variable decides otherwise. Called
+/// first of all, while there is one thread.
 void StartWithoutGraphicsDriver();
 
 /// Logs the messages with which the toolkit or the engine ends the program, which otherwise go to
