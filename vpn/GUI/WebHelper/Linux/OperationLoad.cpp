@@ -38,7 +38,7 @@ bool COperationLoad::IsToCome() const {
 }
 
 bool COperationLoad::isProcessStuck() const {
-    return m_processHasLoaded && !webkit_web_view_get_is_web_process_responsive(m_webView);
+    return m_processHasLoaded && webkit_web_view_get_is_web_process_responsive(m_webView) == FALSE;
 }
 
 void COperationLoad::OnStarted() {
