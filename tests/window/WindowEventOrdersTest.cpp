@@ -220,11 +220,7 @@ private:
     }
 
     void Close() {
-        gboolean handled = FALSE;
-        GdkEvent* const event = gdk_event_new(GDK_DELETE);
-        g_signal_emit_by_name(Window(), "delete-event", event, &handled);
-        gdk_event_free(event);
-        EXPECT_TRUE(handled);
+        AskToClose();
         m_model.Closed();
     }
 
@@ -502,4 +498,22 @@ TEST_F(WindowLostLoadTest, IsNoneWhenTheViewLoadsOn) {
     Engine().SetLoading(true);
     RunPendingEvents();
     EXPECT_THAT(Engine().Loads(), SizeIs(1));
+}
+
+TEST_F(WindowLostLoadTest, IsNothingToAnOperationThatHasItsResult) {
+    Engine().SetLoading(true);
+    Engine().TellLoadChanged(WEBKIT_LOAD_STARTED);
+    AskToClose();
+    Engine().SetLoading(false);
+    RunPendingEvents();
+    EXPECT_THAT(Engine().Loads(), SizeIs(1));
+    EXPECT_THAT(Results(), ElementsAre("cancel"));
+    EXPECT_THAT(LogLines(), IsEmpty());
+}
+
+TEST_F(WindowLostLoadTest, IsNotAskedForOnceMoreWithItsProcessBehindTheResult) {
+    AskToClose();
+    Engine().TellProcessTerminated();
+    EXPECT_THAT(Engine().Loads(), SizeIs(1));
+    EXPECT_THAT(Results(), ElementsAre("cancel"));
 }

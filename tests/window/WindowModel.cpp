@@ -27,7 +27,7 @@ void WindowModel::Carry(const ModelOperation& operation) {
     }
     m_operation = operation;
     ++m_stretch;
-    m_loadRepeated = false;
+    m_loadMayBeRepeated = true;
     m_baseline.reset();
     m_changed = m_pageOpen = m_pageDue = false;
     if (operation.cookieName.empty()) {
@@ -48,11 +48,11 @@ void WindowModel::AskForLoad() {
 }
 
 void WindowModel::LoadIsLost() {
-    if (m_loadRepeated) {
+    if (!m_loadMayBeRepeated) {
         Result("error_unknown");
         return;
     }
-    m_loadRepeated = true;
+    m_loadMayBeRepeated = false;
     AskForLoad();
 }
 
@@ -62,6 +62,8 @@ void WindowModel::Result(const std::string& text) {
         ++m_stretch;
         m_baseline.reset();
         m_changed = m_pageOpen = m_pageDue = false;
+        m_loadMayBeRepeated = false;
+        m_load = m_load == Load::started ? Load::over : m_load;
     }
     m_resultSent = true;
 }

@@ -64,7 +64,7 @@ private:
     ModelOperation m_operation;
     bool m_resultSent = false;
     Load m_load = Load::over;
-    bool m_loadRepeated = false;
+    bool m_loadMayBeRepeated = false;
     bool m_lossSuspected = false;
     // Queries in the order of their answers, each with the stretch of time that it belongs to.
     std::deque<std::pair<Query, int>> m_queries;

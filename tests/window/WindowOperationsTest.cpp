@@ -12,13 +12,6 @@ protected:
     // Whether the window was ever shown.
     bool IsRealised() const { return OnScreen() != 0; }
 
-    // The user's closing of the window, without the way through the X server.
-    void AskToClose() {
-        gboolean answer = FALSE;
-        g_signal_emit_by_name(Window(), "delete-event", nullptr, &answer);
-        EXPECT_TRUE(answer);
-    }
-
     std::string UserAgentOf(std::size_t request) const {
         return m_server.Requests().at(request).Header("User-Agent");
     }
@@ -53,7 +46,7 @@ TEST_F(WindowOperationsTest, LooksForACookieUnseenUnlessAskedToShow) {
     ASSERT_TRUE(m_loads.WaitFor("FINISHED " + url));
     EXPECT_FALSE(IsShown());
     Send(Operation::BrowseForCookie(url, url, "sid").Shown());
-    EXPECT_TRUE(RunMainLoopUntil([&] { return IsShown(); }));
+    EXPECT_TRUE(WaitUntilShown());
 }
 
 TEST_F(WindowOperationsTest, ShowsTheWindowWithThePageReadyForTheKeyboard) {

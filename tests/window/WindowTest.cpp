@@ -78,6 +78,14 @@ bool WindowTest::IsShown() const {
     return m_screen.IsMapped(OnScreen());
 }
 
+bool WindowTest::WaitUntilShown() const {
+    return RunMainLoopUntil([this] { return IsShown(); });
+}
+
+bool WindowTest::WaitUntilHidden() const {
+    return RunMainLoopUntil([this] { return !IsShown(); });
+}
+
 bool WindowTest::WaitForResults(std::size_t count) const {
     return RunMainLoopUntil([&] { return m_results.size() >= count; });
 }
@@ -89,7 +97,7 @@ bool WindowTest::WaitForRequest(const std::string& path, std::size_t count) cons
 void WindowTest::ShowPage(const std::string& path) {
     Send(Operation::Browse(m_server.Url(path), "never").Shown());
     ASSERT_TRUE(m_loads.WaitFor("FINISHED " + m_server.Url(path)));
-    ASSERT_TRUE(RunMainLoopUntil([&] { return IsShown(); }));
+    ASSERT_TRUE(WaitUntilShown());
 }
 
 void WindowTest::FocusWindow() {
@@ -108,6 +116,14 @@ void WindowTest::CloseWindow() {
     m_screen.Close(OnScreen());
     EXPECT_TRUE(RunMainLoopUntil([&] { return seen; }));
     g_signal_handler_disconnect(Window(), handler);
+}
+
+void WindowTest::AskToClose() {
+    gboolean isKept = FALSE;
+    GdkEvent* const event = gdk_event_new(GDK_DELETE);
+    g_signal_emit_by_name(Window(), "delete-event", event, &isKept);
+    gdk_event_free(event);
+    EXPECT_TRUE(isKept);
 }
 
 void WindowTest::OutlastOneSecondTimeout() {

@@ -39,6 +39,10 @@ protected:
     /// The window as the X server knows it; it has been shown at least once.
     [[nodiscard]] XWindow OnScreen() const;
     [[nodiscard]] bool IsShown() const;
+    /// The toolkit tells the X server with the window's next frame. False when the test deadline
+    /// passed.
+    [[nodiscard]] bool WaitUntilShown() const;
+    [[nodiscard]] bool WaitUntilHidden() const;
 
     void Send(const Operation& operation) { Browser().HandleOperation(operation.Build()); }
 
@@ -60,6 +64,8 @@ protected:
     void FocusWindow();
     /// Closes the window as its user does.
     void CloseWindow();
+    /// The same without the way through the X server: the window need not have been shown.
+    void AskToClose();
 
     /// Runs the main loop for longer than a timeout of one second can take.
     void OutlastOneSecondTimeout();

@@ -251,6 +251,7 @@ void GtkBrowserWindow::SendResult(CBrowserResult& result, bool resultSentAfter) 
     // Answers to cookie queries that are still on their way are nobody's from here on.
     ++m_operationNumber;
     m_cookieWatch.End();
+    m_load->OnResult();
     m_resultHandler(result);
     Hide();
 }

@@ -19,7 +19,7 @@ COperationLoad::~COperationLoad() {
 
 void COperationLoad::Prepare(const std::string& uri) {
     m_uri = uri;
-    m_repeated = false;
+    m_mayBeRepeated = true;
     m_phase = Phase::waiting;
 }
 
@@ -49,6 +49,13 @@ void COperationLoad::OnStarted() {
     }
 }
 
+void COperationLoad::OnResult() {
+    m_mayBeRepeated = false;
+    if (m_phase == Phase::started) {
+        m_phase = Phase::over;
+    }
+}
+
 bool COperationLoad::OutlivesProcess() {
     m_processHasLoaded = false;
     switch (m_phase) {
@@ -65,11 +72,11 @@ bool COperationLoad::OutlivesProcess() {
 }
 
 void COperationLoad::repeat() {
-    if (m_repeated) {
+    if (!m_mayBeRepeated) {
         m_onLost();
         return;
     }
-    m_repeated = true;
+    m_mayBeRepeated = false;
     Ask();
 }
 

@@ -32,6 +32,9 @@ public:
     /// The view tells how the load goes on, so that it cannot be lost any more.
     void OnAnswered() { m_phase = Phase::over; }
 
+    /// The operation has its result: its load goes on as it will, and is not asked for once more.
+    void OnResult();
+
     /// The view's web process has ended. True when the load is still to come, in a new process.
     [[nodiscard]] bool OutlivesProcess();
 
@@ -58,7 +61,7 @@ private:
     Phase m_phase = Phase::over;
     // A process that has not yet begun a load may be slow to start, which is no reason to end it.
     bool m_processHasLoaded = false;
-    // It has been asked for once more, since the first was lost.
-    bool m_repeated = false;
+    // Lost, it is asked for once more, as long as its operation has no result.
+    bool m_mayBeRepeated = false;
     guint m_lostLoadSource = 0;
 };
