@@ -112,7 +112,7 @@ TEST_F(WindowCookiesTest, StaysOpenWithoutAnyCookieUntilALaterPageBringsOne) {
     BrowseToPageWithCookies({});
     EXPECT_THAT(Results(), IsEmpty());
     EXPECT_THAT(LogLines(), IsEmpty());
-    EXPECT_TRUE(RunMainLoopUntil([&] { return IsShown(); }));
+    EXPECT_TRUE(WaitUntilShown());
     ServePageWithCookies("/page", {"sid=abc"});
     webkit_web_view_reload(View());
     ASSERT_TRUE(WaitForResults(1));

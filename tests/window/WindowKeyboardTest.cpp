@@ -140,7 +140,7 @@ TEST_F(WindowKeyboardTest, AResetGivesTheKeysToTheNewView) {
     ShowPage("/page");
     Send(Operation::OfType(BrowserOperationType::reset));
     ASSERT_TRUE(WaitForResults(1));
-    ASSERT_TRUE(RunMainLoopUntil([&] { return !IsShown(); }));
+    ASSERT_TRUE(WaitUntilHidden());
     ShowAndFocus("/next");
     PressWithControl(GDK_KEY_equal);
     ASSERT_TRUE(WaitForZoomLevels(1));

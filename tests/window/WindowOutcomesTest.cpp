@@ -318,7 +318,7 @@ TEST_F(WindowOutcomesTest, CancelsWhenTheUserClosesTheWindowDuringALoad) {
     ASSERT_TRUE(m_loads.WaitFor("COMMITTED " + url));
     CloseWindow();
     EXPECT_THAT(Results(), ElementsAre("cancel"));
-    EXPECT_TRUE(RunMainLoopUntil([&] { return !IsShown(); }));
+    EXPECT_TRUE(WaitUntilHidden());
     // The load goes on in the hidden view.
     m_server.Release("/page");
     ASSERT_TRUE(m_loads.WaitFor("FINISHED " + url));
@@ -333,7 +333,7 @@ TEST_F(WindowOutcomesTest, ClosingTwiceCancelsOnce) {
     CloseWindow();
     CloseWindow();
     EXPECT_THAT(Results(), ElementsAre("cancel"));
-    EXPECT_FALSE(IsShown());
+    EXPECT_TRUE(WaitUntilHidden());
 }
 
 TEST_F(WindowOutcomesTest, ClosingBehindAResultDoesNothing) {
@@ -342,7 +342,7 @@ TEST_F(WindowOutcomesTest, ClosingBehindAResultDoesNothing) {
     ASSERT_TRUE(WaitForResults(1));
     CloseWindow();
     EXPECT_THAT(Results(), ElementsAre("success"));
-    EXPECT_FALSE(IsShown());
+    EXPECT_TRUE(WaitUntilHidden());
 }
 
 TEST_F(WindowOutcomesTest, WorksAfterItWasClosed) {
@@ -360,10 +360,10 @@ TEST_F(WindowOutcomesTest, AResultHidesTheWindow) {
     ShowPage("/page");
     Send(Operation::Browse(m_server.Url("/end"), m_server.Url("/end")).Shown());
     ASSERT_TRUE(WaitForRequest("/end"));
-    EXPECT_TRUE(IsShown());
+    EXPECT_TRUE(WaitUntilShown());
     m_server.Release("/end");
     ASSERT_TRUE(WaitForResults(1));
-    EXPECT_TRUE(RunMainLoopUntil([&] { return !IsShown(); }));
+    EXPECT_TRUE(WaitUntilHidden());
 }
 
 TEST(WindowWithoutHandlerTest, AResultWithoutAHandlerIsAProgrammingError) {

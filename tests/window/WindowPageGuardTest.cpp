@@ -26,7 +26,7 @@ protected:
         m_server.ServePage("/page", page);
         Send(Operation::Browse(Url("/page"), "never").Shown());
         ASSERT_TRUE(m_loads.WaitFor("COMMITTED " + Url("/page")));
-        ASSERT_TRUE(RunMainLoopUntil([&] { return IsShown(); }));
+        ASSERT_TRUE(WaitUntilShown());
     }
 
     /// The next operation is not kept from its result by anything.
@@ -168,7 +168,7 @@ TEST_F(WindowPageGuardTest, AskedForAPasswordAPersonMayAnswer) {
     ServeLocked();
     Send(Operation::Browse(Url("/locked"), Url("/locked")).Shown());
     ASSERT_TRUE(WaitForRequest("/locked"));
-    ASSERT_TRUE(RunMainLoopUntil([&] { return IsShown(); }));
+    ASSERT_TRUE(WaitUntilShown());
     CloseWindow();
     EXPECT_THAT(Results(), ElementsAre("cancel"));
     ExpectNextSuccess();

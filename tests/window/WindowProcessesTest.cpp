@@ -37,7 +37,7 @@ TEST_F(WindowProcessesTest, AWebProcessThatDiesBeforeTheCommitEndsTheOperation) 
     ASSERT_TRUE(WaitForResults(1));
     EXPECT_THAT(Results(), ElementsAre("error_unknown"));
     EXPECT_THAT(LogLines(), ElementsAre(Crashed("/hang")));
-    EXPECT_TRUE(RunMainLoopUntil([&] { return !IsShown(); }));
+    EXPECT_TRUE(WaitUntilHidden());
     ExpectGoodPage(1);
 }
 

@@ -53,7 +53,7 @@ TEST_F(WindowReplacementTest, AShownHangingPageIsNoSuccessOfTheNext) {
     ASSERT_TRUE(WaitForRequest("/hang"));
     BrowseToGoodPage();
     EXPECT_THAT(Results(), IsEmpty());
-    EXPECT_TRUE(IsShown());
+    EXPECT_TRUE(WaitUntilShown());
     ReleaseGoodPage();
     EXPECT_THAT(Results(), ElementsAre("success"));
     EXPECT_THAT(LogLines(), IsEmpty());
@@ -64,7 +64,7 @@ TEST_F(WindowReplacementTest, AHangingPageIsNoSuccessOfAShownOne) {
     Send(Operation::Browse(m_server.Url("/hang"), m_server.Url("/hang")));
     ASSERT_TRUE(WaitForRequest("/hang"));
     BrowseToGoodPage(true);
-    ASSERT_TRUE(RunMainLoopUntil([&] { return IsShown(); }));
+    ASSERT_TRUE(WaitUntilShown());
     EXPECT_THAT(Results(), IsEmpty());
     ReleaseGoodPage();
     EXPECT_THAT(Results(), ElementsAre("success"));

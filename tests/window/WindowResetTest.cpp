@@ -82,7 +82,7 @@ TEST_F(WindowResetTest, HidesTheWindow) {
     ShowPage("/page");
     Reset();
     EXPECT_THAT(Results(), ElementsAre("ready"));
-    EXPECT_TRUE(RunMainLoopUntil([&] { return !IsShown(); }));
+    EXPECT_TRUE(WaitUntilHidden());
 }
 
 TEST_F(WindowResetTest, StopsTheOperationThatIsGoingOn) {
