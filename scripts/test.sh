@@ -14,5 +14,6 @@ suites=(page_rules_tests window_cookie_header_tests e2e_loaded_libraries_tests
     e2e_operations_tests)
 build release-4.1 "${suites[@]}"
 run_suites release-4.1 --tests-regex "^($(IFS='|' && echo "${suites[*]}"))\."
+"$root/scripts/check-documents.sh"
 # ctest has the last word.
 run_suites release

@@ -1,11 +1,12 @@
-// The agent that docs/protocol.md shows really runs.
+// What the documents show of an agent really runs.
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <array>
+#include <filesystem>
 #include <string>
+#include <vector>
 
 #include "FileDescriptor.h"
 #include "HttpServer.h"
@@ -15,13 +16,28 @@
 
 namespace {
 
-constexpr char kOpening[] = "```python\n";
-constexpr char kClosing[] = "```\n";
+/// What stands between these two marks, from the first such pair on.
+std::string Between(const std::string& opening, const std::string& closing,
+                    const std::string& document) {
+    const std::size_t start = document.find(opening) + opening.size();
+    return document.substr(start, document.find(closing, start) - start);
+}
 
-/// What stands between the document's one pair of marks.
-std::string ProgramIn(const std::string& document) {
-    const std::size_t start = document.find(kOpening) + std::string(kOpening).size();
-    return document.substr(start, document.find(kClosing, start) - start);
+/// Runs a command that must succeed; gives its output.
+std::string OutputOf(const std::vector<std::string>& arguments) {
+    const TemporaryFolder folder;
+    const std::string path = folder.Path("output");
+    WriteFile(path, "");
+    const FileDescriptor output(open(path.c_str(), O_WRONLY | O_CLOEXEC));
+    LaunchCommand command;
+    command.arguments = arguments;
+    command.output = output.Get();
+    CLaunchedProcess process;
+    std::string reason;
+    EXPECT_TRUE(process.Start(command, reason)) << reason;
+    const auto end = process.WaitForEnd(DeadlineIn(kTestDeadline));
+    EXPECT_EQ(end ? end->Text() : "no end", "exited with status 0");
+    return ReadFile(path);
 }
 
 }  // namespace
@@ -30,18 +46,22 @@ TEST(DocumentedAgent, StartsTheProgramAndPrintsItsResults) {
     HttpServer server;
     server.ServePage("/page", "hello");
     const TemporaryFolder folder;
-    WriteFile(folder.Path("agent.py"), ProgramIn(ReadFile(TK_PROTOCOL_DOCUMENT)));
-    WriteFile(folder.Path("results"), "");
-    const FileDescriptor results(open(folder.Path("results").c_str(), O_WRONLY | O_CLOEXEC));
-    LaunchCommand command;
-    command.arguments = {"/usr/bin/python3", folder.Path("agent.py"), TKWEBHELPER_PATH,
-                         server.Url("/page")};
-    command.output = results.Get();
-    CLaunchedProcess agent;
-    std::string reason;
-    ASSERT_TRUE(agent.Start(command, reason)) << reason;
-    const auto end = agent.WaitForEnd(DeadlineIn(kTestDeadline));
-    ASSERT_TRUE(end.has_value());
-    EXPECT_EQ(end->Text(), "exited with status 0");
-    EXPECT_EQ(ReadFile(folder.Path("results")), "ready\nsuccess\n");
+    WriteFile(folder.Path("agent.py"),
+              Between("```python\n", "```\n", ReadFile(TK_PROTOCOL_DOCUMENT)));
+    EXPECT_EQ(OutputOf({"/usr/bin/python3", folder.Path("agent.py"), TKWEBHELPER_PATH,
+                        server.Url("/page")}),
+              "ready\nsuccess\n");
+}
+
+TEST(ManualPageOfTkagent, ShowsWhatItsExamplePrints) {
+    const std::string example = Between(".nf\n$ ", ".fi\n", ReadFile(TK_TKAGENT_MANUAL));
+    const std::string quote = "\\(aq";
+    std::string command = example.substr(0, example.find('\n'));
+    for (std::size_t at = command.find(quote); at != std::string::npos; at = command.find(quote)) {
+        command.replace(at, quote.size(), "'");
+    }
+    ASSERT_EQ(command, R"(echo '{"operation":"reset"}' | tkagent run)");
+    const std::string programs = std::filesystem::path(TKWEBHELPER_PATH).parent_path();
+    EXPECT_EQ(OutputOf({"/bin/sh", "-c", "PATH=" + programs + ":$PATH; " + command}),
+              example.substr(example.find('\n') + 1));
 }
