@@ -5,8 +5,8 @@
 #
 #   scripts/bench.sh              everything
 #   scripts/bench.sh NAME...      some of: bus catalog catalog_load hand_over idle ipc_socket
-#                                 ipc_stages log lookup_parts memory operations start string; writes
-#                                 no file
+#                                 ipc_stages log lookup_parts memory operations shares start string;
+#                                 writes no file
 #
 # TK_BENCH_ROUNDS (15) is how often each thing is measured.
 set -euo pipefail
@@ -14,7 +14,7 @@ source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 rounds=${TK_BENCH_ROUNDS:-15}
 functions=(catalog catalog_load lookup_parts log ipc_stages hand_over ipc_socket string)
-processes=(start bus operations idle memory)
+processes=(start bus operations shares idle memory)
 names=("$@")
 [ $# -gt 0 ] || names=("${processes[@]}" "${functions[@]}")
 command_line="scripts/bench.sh${*:+ $*}"

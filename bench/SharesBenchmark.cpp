@@ -1,0 +1,108 @@
+// What the program itself adds to an operation: the time between what it calls of its socket and of
+// the engine.
+
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "MeasuredProcess.h"
+#include "ProcessBenchmark.h"
+#include "TemporaryFolder.h"
+
+namespace {
+
+struct Call {
+    std::string function;
+    double start;
+    double end;
+};
+
+/// The calls of a traced helper.
+class Trace {
+public:
+    [[nodiscard]] Environment Variables() const {
+        return {{"LD_PRELOAD", TRACE_POINTS_PATH}, {"TK_TRACE_POINTS", m_path}};
+    }
+
+    /// The calls since the last time this was asked.
+    [[nodiscard]] std::vector<Call> Take() {
+        std::ifstream lines(m_path);
+        std::vector<Call> calls;
+        for (Call call; lines >> call.function >> call.start >> call.end;) {
+            calls.push_back(call);
+        }
+        std::filesystem::resize_file(m_path, 0);
+        return calls;
+    }
+
+private:
+    const TemporaryFolder m_folder;
+    const std::string m_path = m_folder.Path("calls");
+};
+
+/// The time from the end of the last call of `first` to the next one of `last`, less that of the
+/// calls in between, in milliseconds.
+double ShareBetween(const std::string& first, const std::string& last,
+                    const std::vector<Call>& calls) {
+    std::size_t from = calls.size();
+    for (std::size_t i = 0; i < calls.size(); ++i) {
+        if (calls[i].function == first) {
+            from = i;
+        } else if (calls[i].function == last && from != calls.size()) {
+            double share = calls[i].start - calls[from].end;
+            for (std::size_t between = from + 1; between < i; ++between) {
+                share -= calls[between].end - calls[between].start;
+            }
+            return share / 1e6;
+        }
+    }
+    throw std::runtime_error("no " + last + " behind " + first);
+}
+
+class Shares {
+public:
+    explicit Shares(TimedPages& pages) : m_pages(pages) {}
+
+    void Measure() {
+        static_cast<void>(m_helper.Browse(m_pages.NewPage()));
+        Await(BrowserResultType::success);
+
+        static_cast<void>(m_helper.Browse(m_pages.NewPage()));
+        const std::vector<Call> page = Await(BrowserResultType::success);
+        ReportShare("operation received to the engine's load", "recv", "webkit_web_view_load_uri",
+                    page);
+        ReportShare("page finished to the result sent", "webkit_web_view_get_uri", "send", page);
+
+        static_cast<void>(m_helper.BrowseForCookie(m_pages.NewPageWithCookie()));
+        ReportShare("cookies told to the result sent", "webkit_cookie_manager_get_cookies_finish",
+                    "send", Await(BrowserResultType::success_with_cookie));
+
+        static_cast<void>(m_helper.Reset());
+        ReportShare("reset received to ready sent, less the engine's view", "recv", "send",
+                    Await(BrowserResultType::ready));
+    }
+
+private:
+    std::vector<Call> Await(BrowserResultType result) {
+        static_cast<void>(m_helper.AwaitResult(result));
+        return m_trace.Take();
+    }
+
+    static void ReportShare(const std::string& measure, const std::string& first,
+                            const std::string& last, const std::vector<Call>& calls) {
+        Report(measure, "Ours", ShareBetween(first, last, calls), "ms");
+    }
+
+    TimedPages& m_pages;
+    Trace m_trace;
+    MeasuredHelper m_helper{m_trace.Variables()};
+};
+
+}  // namespace
+
+void Measure(const Amount& amount, TimedPages& pages) {
+    Shares shares(pages);
+    Interleave(amount.rounds, {[&] { shares.Measure(); }});
+}
