@@ -323,7 +323,7 @@ void GtkBrowserWindow::queryCookies(const char* uri) {
 
 void GtkBrowserWindow::decideByCookies(const std::vector<StoredCookie>& cookies) {
     // Without any cookie the operation stays open on purpose: the sign-in may still be going on.
-    if (cookies.empty() || m_resultSent) {
+    if (cookies.empty()) {
         return;
     }
     // The first match ends the walk. The flag would not do: the agent's next operation, on its way
