@@ -10,10 +10,9 @@
 class LogCapture::Store {
 public:
     void Add(CapturedRecord record) {
-        {
-            const std::lock_guard<std::mutex> guard(m_mutex);
-            m_records.push_back(std::move(record));
-        }
+        const std::lock_guard<std::mutex> guard(m_mutex);
+        m_records.push_back(std::move(record));
+        // Within the lock: whoever has seen the record may end this object.
         m_changed.notify_all();
     }
 
