@@ -1,5 +1,5 @@
-// What the program itself adds to an operation: the time between what it calls of its socket and of
-// the engine.
+// What the program itself adds to an operation: the time between what it calls of its socket, of
+// the engine and of the toolkit.
 
 #include <filesystem>
 #include <fstream>
@@ -80,7 +80,7 @@ public:
                     "send", Await(BrowserResultType::success_with_cookie));
 
         static_cast<void>(m_helper.Reset());
-        ReportShare("reset received to ready sent, less the engine's view", "recv", "send",
+        ReportShare("reset received to ready sent, less the views", "recv", "send",
                     Await(BrowserResultType::ready));
     }
 

@@ -1,20 +1,22 @@
-// Preloaded into the helper: notes what the program itself calls of its socket and of the engine,
-// each as "function, start, end" in nanoseconds of the steady clock, a line in the file that
-// TK_TRACE_POINTS names. A share of the program's own is what lies between two such calls.
+// Preloaded into the helper: notes what the program itself calls of its socket, of the engine and
+// of the toolkit, each as "function, start, end" in nanoseconds of the steady clock, a line in the
+// file that TK_TRACE_POINTS names, whenever something is sent. A share of the program's own is what
+// lies between two such calls.
 
 #include <dlfcn.h>
-#include <fcntl.h>
 #include <link.h>
 #include <sys/socket.h>
-#include <unistd.h>
 #include <webkit2/webkit2.h>
 
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <cstdlib>
-#include <string>
+#include <fstream>
+#include <memory>
+#include <mutex>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -41,12 +43,38 @@ std::pair<std::uintptr_t, std::uintptr_t> ProgramBounds() {
     return bounds;
 }
 
-void Note(const char* function, Nanoseconds start, Nanoseconds end) {
-    static const int file =
-        open(std::getenv("TK_TRACE_POINTS"), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
-    const std::string line =
-        std::string(function) + ' ' + std::to_string(start) + ' ' + std::to_string(end) + '\n';
-    static_cast<void>(!write(file, line.data(), line.size()));
+/// What has been noted since it was last written. The program's threads share it.
+class Notes {
+public:
+    void Add(const char* function, Nanoseconds start, Nanoseconds end) {
+        const std::lock_guard<std::mutex> guard(m_mutex);
+        m_notes.push_back({function, start, end});
+    }
+
+    void Write() {
+        const std::lock_guard<std::mutex> guard(m_mutex);
+        std::ofstream file(std::getenv("TK_TRACE_POINTS"), std::ios::app);
+        for (const auto& [function, start, end] : m_notes) {
+            file << function << ' ' << start << ' ' << end << '\n';
+        }
+        m_notes.clear();
+    }
+
+private:
+    struct Note {
+        const char* function;
+        Nanoseconds start;
+        Nanoseconds end;
+    };
+
+    std::mutex m_mutex;
+    std::vector<Note> m_notes;
+};
+
+// Never destroyed: the program's threads call until the last.
+Notes& TheNotes() {
+    static Notes* const notes = std::make_unique<Notes>().release();
+    return *notes;
 }
 
 /// One call of the engine, from here to the end of the scope, if the program itself makes it.
@@ -59,7 +87,7 @@ public:
     }
     ~Call() {
         if (m_isOurs) {
-            Note(m_function, m_start, Now());
+            TheNotes().Add(m_function, m_start, Now());
         }
     }
     Call(const Call&) = delete;
@@ -99,8 +127,9 @@ ssize_t recv(int descriptor, void* buffer, std::size_t size, int flags) {
 ssize_t send(int descriptor, const void* buffer, std::size_t size, int flags) {
     static auto* const next = Next<decltype(send)>(__func__);
     if (IsConnectionToAgent(descriptor)) {
-        // Noted before the agent can know.
-        const Call sending(__func__, __builtin_return_address(0));
+        { const Call sending(__func__, __builtin_return_address(0)); }
+        // Before the agent can know, and look.
+        TheNotes().Write();
     }
     return next(descriptor, buffer, size, flags);
 }
@@ -140,6 +169,25 @@ void gtk_container_remove(GtkContainer* container, GtkWidget* widget) {
     static auto* const next = Next<decltype(gtk_container_remove)>(__func__);
     const Call call(__func__, __builtin_return_address(0));
     next(container, widget);
+}
+
+void gtk_container_add(GtkContainer* container, GtkWidget* widget) {
+    static auto* const next = Next<decltype(gtk_container_add)>(__func__);
+    const Call call(__func__, __builtin_return_address(0));
+    next(container, widget);
+}
+
+void gtk_accel_group_connect(GtkAccelGroup* group, guint key, GdkModifierType modifiers,
+                             GtkAccelFlags flags, GClosure* closure) {
+    static auto* const next = Next<decltype(gtk_accel_group_connect)>(__func__);
+    const Call call(__func__, __builtin_return_address(0));
+    next(group, key, modifiers, flags, closure);
+}
+
+gboolean gtk_accel_group_disconnect(GtkAccelGroup* group, GClosure* closure) {
+    static auto* const next = Next<decltype(gtk_accel_group_disconnect)>(__func__);
+    const Call call(__func__, __builtin_return_address(0));
+    return next(group, closure);
 }
 
 void g_object_unref(gpointer object) {
