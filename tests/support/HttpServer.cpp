@@ -89,13 +89,14 @@ HttpServer::~HttpServer() {
     std::unique_lock<std::mutex> guard(m_mutex);
     m_stopping = true;
     m_changed.notify_all();
-    for (const HttpConnection* const connection : m_open) {
-        connection->Interrupt();
+    for (const Conversation& conversation : m_open) {
+        conversation.connection->Interrupt();
     }
     m_changed.wait(guard, [this] { return m_open.empty(); });
     guard.unlock();
     shutdown(m_listener.Get(), SHUT_RDWR);
     m_accepting.join();
+    JoinEnded();
 }
 
 std::string HttpServer::Url(const std::string& target, const std::string& host) const {
@@ -170,6 +171,7 @@ void HttpServer::AcceptConnections() {
     BlockSignals();
     for (;;) {
         FileDescriptor socket(accept4(m_listener.Get(), nullptr, nullptr, SOCK_CLOEXEC));
+        JoinEnded();
         const std::lock_guard<std::mutex> guard(m_mutex);
         if (m_stopping) {
             return;
@@ -182,13 +184,12 @@ void HttpServer::AcceptConnections() {
 
 // The caller holds the lock, so that the destructor either sees the connection or prevents it.
 void HttpServer::Start(FileDescriptor socket) {
-    auto connection = std::make_unique<HttpConnection>(std::move(socket), m_context.get());
-    m_open.push_back(connection.get());
-    // Detached, since there may be thousands; the destructor waits for the last one.
-    std::thread([this, owned = std::move(connection)] {
-        Answer(*owned);
-        Forget(*owned);
-    }).detach();
+    const auto conversation = m_open.insert(m_open.end(), Conversation());
+    conversation->connection = std::make_unique<HttpConnection>(std::move(socket), m_context.get());
+    conversation->thread = std::thread([this, conversation] {
+        Answer(*conversation->connection);
+        End(conversation);
+    });
 }
 
 void HttpServer::Answer(HttpConnection& connection) {
@@ -208,10 +209,23 @@ void HttpServer::Answer(HttpConnection& connection) {
     connection.Finish();
 }
 
-void HttpServer::Forget(const HttpConnection& connection) {
+void HttpServer::End(std::list<Conversation>::iterator conversation) {
     const std::lock_guard<std::mutex> guard(m_mutex);
-    m_open.remove(&connection);
+    conversation->connection.reset();
+    m_ended.splice(m_ended.end(), m_open, conversation);
     m_changed.notify_all();
+}
+
+// A thread that is only about to end still frees what the TLS library keeps for it.
+void HttpServer::JoinEnded() {
+    std::list<Conversation> ended;
+    {
+        const std::lock_guard<std::mutex> guard(m_mutex);
+        ended.swap(m_ended);
+    }
+    for (Conversation& conversation : ended) {
+        conversation.thread.join();
+    }
 }
 
 HttpHandler HttpServer::Record(const HttpRequest& request) {

@@ -89,10 +89,17 @@ public:
 private:
     friend class HttpExchange;
 
+    /// One connection, and the thread that serves it.
+    struct Conversation {
+        std::unique_ptr<HttpConnection> connection;
+        std::thread thread;
+    };
+
     void AcceptConnections();
     void Start(FileDescriptor socket);
     void Answer(HttpConnection& connection);
-    void Forget(const HttpConnection& connection);
+    void End(std::list<Conversation>::iterator conversation);
+    void JoinEnded();
     HttpHandler Record(const HttpRequest& request);
     void WaitForRelease(const std::string& path);
     [[nodiscard]] std::size_t CountLocked(const std::string& path) const;
@@ -107,6 +114,7 @@ private:
     std::map<std::string, HttpHandler> m_handlers;
     std::set<std::string> m_released;
     std::vector<HttpRequest> m_requests;
-    std::list<const HttpConnection*> m_open;
+    std::list<Conversation> m_open;
+    std::list<Conversation> m_ended;
     std::thread m_accepting;
 };
