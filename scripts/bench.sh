@@ -66,6 +66,6 @@ done
 } >"$samples/performance.md"
 cat "$samples/performance.md"
 if [ $# -eq 0 ]; then
-    cp "$samples/performance.md" "$root/docs/performance.md"
+    cat "$samples/performance.md" "$root/bench/notes.md" >"$root/docs/performance.md"
     printf '\nbench.sh: written to docs/performance.md\n'
 fi

@@ -11,7 +11,7 @@ build fuzz fuzzers
 run_suites fuzz
 # Through these suites all goes that differs between the engine's two APIs.
 suites=(page_rules_tests window_cookie_header_tests e2e_loaded_libraries_tests
-    e2e_operations_tests)
+    e2e_operations_tests e2e_proxy_tests e2e_replacement_tests)
 build release-4.1 "${suites[@]}"
 run_suites release-4.1 --tests-regex "^($(IFS='|' && echo "${suites[*]}"))\."
 "$root/scripts/check-documents.sh"

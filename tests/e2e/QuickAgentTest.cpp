@@ -1,11 +1,13 @@
 // An agent that answers each result with its next operation at once.
 
+#include <algorithm>
 #include <chrono>
 #include <iostream>
 #include <map>
 #include <sstream>
 
 #include "Certificates.h"
+#include "EngineApi.h"
 #include "HelperTest.h"
 #include "LoopbackPeer.h"
 #include "OperationRunner.h"
@@ -157,9 +159,7 @@ private:
     [[nodiscard]] Step RefusedConnection(const std::string& target) const {
         const std::string url = "http://127.0.0.1:" + std::to_string(m_closed.Port()) + target;
         return {Browse(url, ""), "error_unknown", "", "",
-                "E Failed to load page: Could not connect: Connection refused, "
-                "URI = " +
-                    url};
+                "E Failed to load page: " + std::string(kRefusedText) + ", URI = " + url};
     }
 
     static void Keep(std::vector<std::string>& texts, const std::string& text) {
@@ -198,6 +198,18 @@ void Report(const Tally& tally, const ProcessMemory& start, const ProcessMemory&
     Report("proportional_kib_at_end", std::to_string(end.proportional));
 }
 
+/// Where the engine cancels loads, how often is chance.
+std::vector<std::string> WithoutLostLoads(std::vector<std::string> lines) {
+    const std::string start = "W The engine lost a load, URI = https:";
+    if (kEngineCancelsLoads) {
+        lines.erase(
+            std::remove_if(lines.begin(), lines.end(),
+                           [&](const std::string& line) { return line.rfind(start, 0) == 0; }),
+            lines.end());
+    }
+    return lines;
+}
+
 }  // namespace
 
 TEST_F(QuickAgent, LosesNoResultAndGetsNoneTwice) {
@@ -213,7 +225,7 @@ TEST_F(QuickAgent, LosesNoResultAndGetsNoneTwice) {
     EXPECT_EQ(Terminate(), "exited with status 0");
     EXPECT_EQ(NextResult(), "(closed)");
     logLines.push_back("I Successfully stopped io service thread");
-    EXPECT_EQ(LogLines(), logLines);
+    EXPECT_EQ(WithoutLostLoads(LogLines()), logLines);
     EXPECT_EQ(m_server.RequestLines(), requests);
     EXPECT_THAT(m_expired.RequestLines(), IsEmpty());
     EXPECT_THAT(

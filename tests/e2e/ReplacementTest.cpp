@@ -1,6 +1,7 @@
 // Operations that come before the one before has its result: the later one takes its place.
 
 #include "Certificates.h"
+#include "EngineApi.h"
 #include "HelperTest.h"
 #include "JsonIpcFrame.h"
 #include "LoopbackPeer.h"
@@ -196,10 +197,9 @@ TEST_F(Replacement, WhilePagesLoadTheNextOperationsFailuresCount) {
     ASSERT_TRUE(m_server.WaitForRequest("/hang3"));
     Send(Browse("/missing"));
     ExpectLastResults({"error_navi"});
-    ExpectLogLines(
-        {"E Failed to load page: Could not connect: Connection refused, URI = " + refused,
-         "E Failed to load page: The certificate has expired. ",
-         "E HTTP ERROR CODE = 404, URL = " + m_server.Url("/missing")});
+    ExpectLogLines({"E Failed to load page: " + std::string(kRefusedText) + ", URI = " + refused,
+                    "E Failed to load page: The certificate has expired. ",
+                    "E HTTP ERROR CODE = 404, URL = " + m_server.Url("/missing")});
 }
 
 // The timeout of the operation that was replaced is not taken away, and ends whatever runs then.

@@ -12,6 +12,7 @@
 
 namespace {
 
+using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Key;
@@ -460,6 +461,14 @@ protected:
         RunPendingEvents();
     }
 
+    // As the engine does it, without being asked.
+    static void CancelLoad() {
+        Engine().TellLoadChanged(WEBKIT_LOAD_STARTED);
+        Engine().SetUri("");
+        Engine().TellLoadFailed(G_IO_ERROR, G_IO_ERROR_CANCELLED);
+        Engine().TellLoadChanged(WEBKIT_LOAD_FINISHED);
+    }
+
     static ScriptedEngine& Engine() { return ScriptedEngine::Instance(); }
 };
 
@@ -498,6 +507,35 @@ TEST_F(WindowLostLoadTest, IsNoneWhenTheViewLoadsOn) {
     Engine().SetLoading(true);
     RunPendingEvents();
     EXPECT_THAT(Engine().Loads(), SizeIs(1));
+}
+
+TEST_F(WindowLostLoadTest, IsAskedForAgainEachTimeTheEngineCancelsIt) {
+    for (std::size_t loads = 2; loads <= 11; ++loads) {
+        CancelLoad();
+        EXPECT_THAT(Engine().Loads(), SizeIs(loads));
+        EXPECT_THAT(LogLines(), SizeIs(loads - 1));
+    }
+    EXPECT_THAT(LogLines(), Each("W The engine lost a load, URI = http://127.0.0.1/1"));
+    EXPECT_THAT(Results(), IsEmpty());
+    Engine().TellLoadChanged(WEBKIT_LOAD_STARTED);
+    Engine().TellTlsFailed();
+    EXPECT_THAT(Results(), ElementsAre("error_cert"));
+}
+
+TEST_F(WindowLostLoadTest, IsAnErrorWhenTheEngineCancelsItOverAndOver) {
+    for (int loads = 1; loads <= 11; ++loads) {
+        CancelLoad();
+    }
+    EXPECT_THAT(Engine().Loads(), SizeIs(11));
+    EXPECT_THAT(Results(), ElementsAre("error_unknown"));
+}
+
+TEST_F(WindowLostLoadTest, IsNoneWhenTheEngineCancelsThatOfALink) {
+    Engine().TellLoadChanged(WEBKIT_LOAD_STARTED);
+    Engine().TellLoadChanged(WEBKIT_LOAD_COMMITTED);
+    CancelLoad();
+    EXPECT_THAT(Engine().Loads(), SizeIs(1));
+    EXPECT_THAT(Results(), ElementsAre("error_unknown"));
 }
 
 TEST_F(WindowLostLoadTest, IsNothingToAnOperationThatHasItsResult) {

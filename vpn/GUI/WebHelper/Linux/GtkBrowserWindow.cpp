@@ -460,6 +460,10 @@ gboolean GtkBrowserWindow::webViewLoadFailedCB(WebKitWebView* /*webView*/,
     if (self->m_load->IsToCome()) {
         return TRUE;
     }
+    if (g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED) != FALSE &&
+        self->m_load->OnCancelledByEngine()) {
+        return TRUE;
+    }
     self->m_load->OnAnswered();
     TK_LOG_ERROR("Failed to load page: %s, URI = %s", error->message, failingUri);
     if (failure == LoadFailure::failed) {

@@ -5,6 +5,14 @@
 #include "AppLog.h"
 #include "MainLoopSource.h"
 
+namespace {
+
+// Of the loads whose certificate it refuses, the engine of API 4.1 cancels one in seven, each for
+// itself: so many in a row do not come by chance.
+constexpr int kMostRepeatsOfCancelled = 10;
+
+}  // namespace
+
 COperationLoad::COperationLoad(WebKitWebView* webView, std::function<void()> onLost)
     : m_webView(webView), m_onLost(std::move(onLost)) {
     g_signal_connect(m_webView, "notify::is-loading", G_CALLBACK(isLoadingChangedCB), this);
@@ -20,6 +28,7 @@ COperationLoad::~COperationLoad() {
 void COperationLoad::Prepare(const std::string& uri) {
     m_uri = uri;
     m_mayBeRepeated = true;
+    m_repeatsOfCancelled = 0;
     m_phase = Phase::waiting;
 }
 
@@ -56,6 +65,16 @@ void COperationLoad::OnResult() {
     }
 }
 
+bool COperationLoad::OnCancelledByEngine() {
+    if (m_phase != Phase::started || m_repeatsOfCancelled == kMostRepeatsOfCancelled) {
+        return false;
+    }
+    ++m_repeatsOfCancelled;
+    logLoss();
+    Ask();
+    return true;
+}
+
 bool COperationLoad::OutlivesProcess() {
     m_processHasLoaded = false;
     switch (m_phase) {
@@ -69,6 +88,10 @@ bool COperationLoad::OutlivesProcess() {
             m_phase = Phase::over;
             return false;
     }
+}
+
+void COperationLoad::logLoss() const {
+    TK_LOG_WARNING("The engine lost a load, URI = %s", m_uri.c_str());
 }
 
 void COperationLoad::repeat() {
@@ -104,7 +127,7 @@ gboolean COperationLoad::lookForLostLoadCB(gpointer load) {
     auto* const self = static_cast<COperationLoad*>(load);
     self->m_lostLoadSource = 0;
     if (self->m_phase == Phase::started) {
-        TK_LOG_WARNING("The engine lost a load, URI = %s", self->m_uri.c_str());
+        self->logLoss();
         self->repeat();
     }
     return G_SOURCE_REMOVE;

@@ -35,6 +35,10 @@ public:
     /// The operation has its result: its load goes on as it will, and is not asked for once more.
     void OnResult();
 
+    /// The view tells that the engine has cancelled a load, which nobody had asked of it. True when
+    /// it was this one and it has been asked for again.
+    [[nodiscard]] bool OnCancelledByEngine();
+
     /// The view's web process has ended. True when the load is still to come, in a new process.
     [[nodiscard]] bool OutlivesProcess();
 
@@ -47,6 +51,7 @@ private:
     };
 
     [[nodiscard]] bool isProcessStuck() const;
+    void logLoss() const;
     void repeat();
 
     static void isLoadingChangedCB(WebKitWebView* webView, GParamSpec* property,
@@ -63,5 +68,6 @@ private:
     bool m_processHasLoaded = false;
     // Lost, it is asked for once more, as long as its operation has no result.
     bool m_mayBeRepeated = false;
+    int m_repeatsOfCancelled = 0;
     guint m_lostLoadSource = 0;
 };
