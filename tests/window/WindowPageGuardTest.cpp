@@ -124,8 +124,10 @@ TEST_F(WindowPageGuardTest, GivesNoCameraAndNoMicrophone) {
 }
 
 TEST_F(WindowPageGuardTest, PrintsNothingAndGoesOn) {
-    BrowseShown("<script>print(); fetch('/after')</script>");
+    // A page that still loads would print later.
+    BrowseShown("<script>onload = () => setTimeout(() => { print(); fetch('/after') })</script>");
     EXPECT_TRUE(WaitForRequest("/after"));
+    EXPECT_THAT(m_screen.TopLevels(), ElementsAre(OnScreen()));
 }
 
 TEST_F(WindowPageGuardTest, APageFromTheWebReachesNoFile) {
@@ -215,8 +217,13 @@ TEST_F(WindowPageGuardTest, ABusyPageDoesNotKeepTheNextOperation) {
     EXPECT_THAT(LogLines(), ElementsAre("E The web process was terminated, URI = " + Url("/next")));
 }
 
-TEST_F(WindowPageGuardTest, NoPageKeepsAPersonFromLeavingIt) {
-    BrowseShown("<script>onbeforeunload = event => event.preventDefault()</script>");
+TEST_F(WindowPageGuardTest, NoPageKeepsTheNextOperationFromReplacingIt) {
+    BrowseShown(
+        "<body style='height: 500px' onclick=\"fetch('/clicked')\">"
+        "<script>onbeforeunload = event => event.preventDefault()</script>");
+    // The engine asks only about a page that a person has used.
+    m_screen.Click(OnScreen(), 100, 100);
+    ASSERT_TRUE(WaitForRequest("/clicked"));
     ExpectNextSuccess();
 }
 

@@ -5,7 +5,7 @@
 namespace {
 
 // More than any page has a reason for.
-constexpr int kMostUnseenDialogs = 100;
+constexpr int kMostAnsweredDialogs = 100;
 
 bool IsSeen(WebKitWebView* webView) {
     return gtk_widget_get_mapped(GTK_WIDGET(webView)) != FALSE;
@@ -71,17 +71,20 @@ gboolean CPageGuard::onAuthenticate(WebKitWebView* webView, WebKitAuthentication
 
 gboolean CPageGuard::onScriptDialog(WebKitWebView* webView, WebKitScriptDialog* dialog,
                                     CPageGuard* self) {
-    if (IsSeen(webView)) {
+    // A page that would rather stay must not hold up the operation that takes its place.
+    const bool isLeft =
+        webkit_script_dialog_get_dialog_type(dialog) == WEBKIT_SCRIPT_DIALOG_BEFORE_UNLOAD_CONFIRM;
+    if (IsSeen(webView) && !isLeft) {
         self->m_dialog.reset(webkit_script_dialog_ref(dialog));
         return FALSE;
     }
-    self->answerUnseen(dialog);
+    self->answer(dialog);
     return TRUE;
 }
 
-void CPageGuard::answerUnseen(WebKitScriptDialog* dialog) {
+void CPageGuard::answer(WebKitScriptDialog* dialog) {
     Dismiss(dialog);
-    if (++m_unseenDialogs == kMostUnseenDialogs) {
+    if (++m_answeredDialogs == kMostAnsweredDialogs) {
         webkit_web_view_terminate_web_process(m_webView);
     }
 }
@@ -89,7 +92,7 @@ void CPageGuard::answerUnseen(WebKitScriptDialog* dialog) {
 void CPageGuard::onLoadChanged(WebKitWebView* /*webView*/, WebKitLoadEvent event,
                                CPageGuard* self) {
     if (event == WEBKIT_LOAD_STARTED) {
-        self->m_unseenDialogs = 0;
+        self->m_answeredDialogs = 0;
     }
 }
 

@@ -5,8 +5,9 @@
 #include <memory>
 
 /// Keeps the pages of one web view from what no sign-in needs: permissions are denied and nothing
-/// is printed; and a question that no person can see is answered in their place, since it would
-/// stop the page for ever. A page that never stops asking loses its process. Main thread only.
+/// is printed; and a question that no person can see, or whether to leave the page, is answered in
+/// their place, since it would stop everything until then. A page that never stops asking loses its
+/// process. Main thread only.
 class CPageGuard {
 public:
     /// The view is not owned and must outlive the guard.
@@ -21,7 +22,7 @@ private:
     };
 
     void closeDialog();
-    void answerUnseen(WebKitScriptDialog* dialog);
+    void answer(WebKitScriptDialog* dialog);
 
     static gboolean onPermissionRequest(WebKitWebView* webView, WebKitPermissionRequest* request);
     static gboolean onPrint();
@@ -34,8 +35,8 @@ private:
     WebKitWebView* m_webView;
     // The one that a person sees; the engine shows one at a time.
     std::unique_ptr<WebKitScriptDialog, DialogUnref> m_dialog;
-    // Dialogs of the current page that nobody saw.
-    int m_unseenDialogs = 0;
+    // Dialogs of the current page that nobody was asked.
+    int m_answeredDialogs = 0;
 };
 
 /// Cancels every download of the context before it reaches the disk. Main thread only.
