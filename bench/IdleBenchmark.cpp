@@ -4,10 +4,12 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <memory>
 #include <set>
 #include <string>
 #include <system_error>
 #include <thread>
+#include <vector>
 
 #include "MeasuredProcess.h"
 #include "ProcessBenchmark.h"
@@ -19,6 +21,9 @@ namespace fs = std::filesystem;
 
 // What follows a page's end (collected garbage, closed connections) is no idling.
 constexpr std::chrono::seconds kRest{5};
+
+// The engine's timers come as they like, so that one minute of one process tells little.
+constexpr int kPairs = 5;
 
 struct Activity {
     long wakeUps = 0;
@@ -98,17 +103,28 @@ private:
 }  // namespace
 
 void Measure(const Amount& amount, TimedPages& pages) {
-    MeasuredHelper helper;
-    helper.Browse(pages.NewPage());
-    static_cast<void>(helper.AwaitResult(BrowserResultType::success));
-    MeasuredFloor floor({pages.NewPage()});
-    static_cast<void>(floor.AwaitLine("ready"));
-    static_cast<void>(floor.AwaitLine("finished"));
+    std::vector<std::unique_ptr<MeasuredHelper>> helpers;
+    std::vector<std::unique_ptr<MeasuredFloor>> floors;
+    for (int pair = 0; pair < kPairs; ++pair) {
+        MeasuredHelper& helper = *helpers.emplace_back(std::make_unique<MeasuredHelper>());
+        helper.Browse(pages.NewPage());
+        static_cast<void>(helper.AwaitResult(BrowserResultType::success));
+        MeasuredFloor& floor = *floors.emplace_back(
+            std::make_unique<MeasuredFloor>(std::vector<std::string>{pages.NewPage()}));
+        static_cast<void>(floor.AwaitLine("ready"));
+        static_cast<void>(floor.AwaitLine("finished"));
+    }
     // What is measured here is that nothing happens: there is no event to wait for.
     std::this_thread::sleep_for(std::min(kRest, std::chrono::seconds(amount.seconds)));
-    const Watched ours("Ours", helper.Process().Pid());
-    const Watched theirs("Floor", floor.Process().Pid());
+    std::vector<Watched> all;
+    for (const auto& helper : helpers) {
+        all.emplace_back("Ours", helper->Process().Pid());
+    }
+    for (const auto& floor : floors) {
+        all.emplace_back("Floor", floor->Process().Pid());
+    }
     std::this_thread::sleep_for(std::chrono::seconds(amount.seconds));
-    ours.ReportSince();
-    theirs.ReportSince();
+    for (const Watched& watched : all) {
+        watched.ReportSince();
+    }
 }

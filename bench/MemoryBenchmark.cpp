@@ -8,16 +8,11 @@ namespace {
 
 constexpr int kTenth = 10;
 
-/// In KiB, when the process has come to rest.
-long PrivateMemory(const MeasuredProcess& process) {
-    process.Settle();
-    return MemoryOf(process.Pid()).unshared;
-}
-
 void ReportMemory(const std::string& measure, const std::string& program,
                   const MeasuredProcess& process) {
-    Report("private memory " + measure, program, static_cast<double>(PrivateMemory(process)),
-           "KiB");
+    process.Settle();
+    Report("private memory " + measure, program,
+           static_cast<double>(MemoryOf(process.Pid()).unshared), "KiB");
 }
 
 void StartHelper(TimedPages& pages) {
@@ -37,23 +32,17 @@ void StartFloor(TimedPages& pages) {
     ReportMemory("after a page", "Floor", floor.Process());
 }
 
-/// Does something over and over in one process. What the first tenth took is the process's warming
-/// up; what each turn behind it took tells whether memory stays level.
+/// Does something over and over in one process, and tells of its memory behind the first tenth,
+/// which warms it up, and at the end.
 void Endure(const std::string& program, const std::string& turns, int count,
             const MeasuredProcess& process, const std::function<void()>& turn) {
     const int firstTenth = (count + kTenth - 1) / kTenth;
-    long warm = 0;
     for (int number = 1; number <= count; ++number) {
         turn();
-        if (number == firstTenth) {
-            warm = PrivateMemory(process);
+        if (number == firstTenth || number == count) {
+            ReportMemory("after " + std::to_string(number) + " " + turns, program, process);
         }
     }
-    const long end = PrivateMemory(process);
-    const std::string times = std::to_string(count) + " " + turns;
-    Report("private memory after " + times, program, static_cast<double>(end), "KiB");
-    Report("growth with each of the last nine tenths of " + times, program,
-           static_cast<double>(end - warm) / (count - firstTenth), "KiB");
 }
 
 void EndureOperations(TimedPages& pages, int count) {

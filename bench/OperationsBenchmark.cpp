@@ -37,6 +37,7 @@ public:
         const Moment cookie = m_helper.AwaitResult(BrowserResultType::success_with_cookie);
         Report(kToCookie, "Ours", m_pages.AwaitRequest(cookiePage), cookie);
 
+        m_helper.Process().Settle();
         const Moment reset = m_helper.Reset();
         Report(kToReady, "Ours", reset, m_helper.AwaitResult(BrowserResultType::ready));
     }
@@ -59,6 +60,7 @@ public:
         const Moment cookies = m_floor.AwaitLine("cookies");
         Report(kToCookie, "Floor", m_pages.AwaitRequest(cookiePage), cookies);
 
+        m_floor.Process().Settle();
         const Moment reset = m_floor.Tell("reset");
         Report(kToReady, "Floor", reset, m_floor.AwaitLine("ready"));
     }

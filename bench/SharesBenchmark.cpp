@@ -79,6 +79,8 @@ public:
         ReportShare("cookies told to the result sent", "webkit_cookie_manager_get_cookies_finish",
                     "send", Await(BrowserResultType::success_with_cookie));
 
+        // The page's last events are the engine's, and would have the reset wait for them.
+        m_helper.Process().Settle();
         static_cast<void>(m_helper.Reset());
         ReportShare("reset received to ready sent, less the views", "recv", "send",
                     Await(BrowserResultType::ready));
