@@ -32,9 +32,9 @@ constexpr int kReset = 101;
 struct Step {
     std::string operation;
     std::string result;
-    std::string cookieValue = "";
-    std::string request = "";  ///< what the web server is asked for, if it is
-    std::string logLine = "";
+    std::string cookieValue{};
+    std::string request{};  ///< what the web server is asked for, if it is
+    std::string logLine{};
 
     [[nodiscard]] std::string ResultText() const {
         return result + (cookieValue.empty() ? "" : " " + cookieValue);
