@@ -221,6 +221,7 @@ TEST_F(WindowPageGuardTest, NoPageKeepsTheNextOperationFromReplacingIt) {
     BrowseShown(
         "<body style='height: 500px' onclick=\"fetch('/clicked')\">"
         "<script>onbeforeunload = event => event.preventDefault()</script>");
+    ASSERT_TRUE(m_loads.WaitFor("FINISHED " + Url("/page")));
     // The engine asks only about a page that a person has used.
     m_screen.Click(OnScreen(), 100, 100);
     ASSERT_TRUE(WaitForRequest("/clicked"));
