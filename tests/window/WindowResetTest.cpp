@@ -163,8 +163,8 @@ TEST_F(WindowResetTest, LeavesEachKeyOneActionOnly) {
     EXPECT_EQ(CountActions(), 8);
     EXPECT_EQ(CountActionsOf(GDK_KEY_r, GDK_CONTROL_MASK), 1U);
     EXPECT_EQ(CountActionsOf(GDK_KEY_Left, GDK_MOD1_MASK), 1U);
-    for (const guint key : {GDK_KEY_equal, GDK_KEY_KP_Add, GDK_KEY_minus, GDK_KEY_KP_Subtract,
-                            GDK_KEY_0, GDK_KEY_KP_0}) {
+    for (const guint key : std::vector<guint>{GDK_KEY_equal, GDK_KEY_KP_Add, GDK_KEY_minus,
+                                              GDK_KEY_KP_Subtract, GDK_KEY_0, GDK_KEY_KP_0}) {
         EXPECT_EQ(CountActionsOf(key, GDK_CONTROL_MASK), 1U) << gdk_keyval_name(key);
     }
 }
@@ -237,7 +237,8 @@ TEST_F(WindowResetKeysTest, DoNotGoBackToAPageOfTheViewBefore) {
 TEST_F(WindowResetKeysTest, Zoom) {
     Reset();
     ShowAndFocus("/page");
-    for (const guint key : {GDK_KEY_equal, GDK_KEY_equal, GDK_KEY_minus, GDK_KEY_0}) {
+    for (const guint key :
+         std::vector<guint>{GDK_KEY_equal, GDK_KEY_equal, GDK_KEY_minus, GDK_KEY_0}) {
         PressWithControl(key);
     }
     ASSERT_TRUE(WaitForZoomLevels(4));
@@ -248,7 +249,8 @@ TEST_F(WindowResetKeysTest, Zoom) {
 TEST_F(WindowResetKeysTest, ZoomOnTheKeypad) {
     Reset();
     ShowAndFocus("/page");
-    for (const guint key : {GDK_KEY_KP_Subtract, GDK_KEY_KP_Add, GDK_KEY_KP_Add}) {
+    for (const guint key :
+         std::vector<guint>{GDK_KEY_KP_Subtract, GDK_KEY_KP_Add, GDK_KEY_KP_Add}) {
         PressWithControl(key);
     }
     // The keypad gives digits while Num Lock is on.

@@ -15,7 +15,6 @@ using testing::AnyOf;
 using testing::ElementsAre;
 using testing::Ge;
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 const std::string kLong(700, 'x');
 
