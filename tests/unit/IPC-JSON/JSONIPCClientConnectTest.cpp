@@ -11,7 +11,6 @@
 #include "OpenDescriptors.h"
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 namespace {
 
