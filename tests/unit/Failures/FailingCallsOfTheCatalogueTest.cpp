@@ -20,7 +20,6 @@ namespace {
 
 using testing::AnyOf;
 using testing::Contains;
-using testing::Each;
 using testing::ElementsAre;
 using testing::Ge;
 using testing::HasSubstr;
