@@ -32,11 +32,23 @@ std::string ProgramOf(pid_t process) {
     return fs::read_symlink("/proc/" + std::to_string(process) + "/exe", error).filename();
 }
 
+// Waiting for what comes next, and able to notice our end.
+bool IsAsleep(pid_t process) {
+    std::ifstream file("/proc/" + std::to_string(process) + "/stat");
+    std::string text;
+    std::getline(file, text);
+    // The state stands behind the name, which is in parentheses and may hold anything.
+    return text.find(") S ", text.rfind(')')) != std::string::npos;
+}
+
 void End(pid_t process) {
     const std::string program = ProgramOf(process);
     if (program == "WebKitWebProcess") {
-        // It keeps nothing that could be lost, and kills through any stop.
-        kill(process, SIGKILL);
+        // It keeps nothing that could be lost. Killed needlessly, it would give its memory back
+        // at the same time as this process, which then takes 3 ms longer to end.
+        if (!IsAsleep(process)) {
+            kill(process, SIGKILL);
+        }
     } else if (program == "WebKitNetworkProcess") {
         // It writes the cookies: awake, it notices our end and ends with its work done.
         kill(process, SIGCONT);
