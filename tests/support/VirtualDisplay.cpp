@@ -99,9 +99,13 @@ VirtualDisplay::VirtualDisplay(const std::string& screen) {
     }
     line.pop_back();
     m_name = ":" + line;
+    const char* const before = getenv("DISPLAY");
+    m_nameBefore = before != nullptr ? before : "";
     PointEnvironmentAt(m_name);
 }
 
 VirtualDisplay::~VirtualDisplay() {
+    // The empty name is as good as none.
+    setenv("DISPLAY", m_nameBefore.c_str(), 1);
     EndServer(m_server);
 }

@@ -6,7 +6,7 @@
 
 /// An X server of this process's own, without a screen or a window manager. While it lives,
 /// DISPLAY names it, and no other display, session bus or accessibility bus can be reached. It
-/// ends with the object, or with the process.
+/// ends with the object, which gives DISPLAY its value before back, or with the process.
 class VirtualDisplay {
 public:
     /// Returns when clients can connect. The screen is "WIDTHxHEIGHTxDEPTH". Throws
@@ -22,4 +22,5 @@ public:
 private:
     pid_t m_server;
     std::string m_name;
+    std::string m_nameBefore;
 };

@@ -56,6 +56,12 @@ TEST(VirtualDisplayTest, TwoHaveDifferentNames) {
     EXPECT_NE(first.Name(), second.Name());
 }
 
+TEST(VirtualDisplayTest, GivesTheNameBeforeBack) {
+    setenv("DISPLAY", ":before", 1);
+    { const VirtualDisplay display; }
+    EXPECT_STREQ(getenv("DISPLAY"), ":before");
+}
+
 TEST(VirtualDisplayTest, EndsWithTheObject) {
     std::optional<VirtualDisplay> display(std::in_place);
     const Client client(display->Name());
