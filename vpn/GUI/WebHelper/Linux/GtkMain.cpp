@@ -107,7 +107,7 @@ int RunApplication(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     KeepSecretsPrivate();
-    StartWithoutGraphicsDriver();
+    DoWithoutGraphicsDriver();
     LogWhatEndsTheProgram();
     const CInstanceSmartPtr<StoragePath> storagePath = CreateStoragePath();
     SetUpTranslation();

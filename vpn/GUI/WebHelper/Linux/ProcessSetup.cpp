@@ -53,8 +53,17 @@ GLogWriterOutput writeMessageCB(GLogLevelFlags level, const GLogField* fields, g
 
 }  // namespace
 
-void StartWithoutGraphicsDriver() {
-    setenv("WEBKIT_DISABLE_DMABUF_RENDERER", "1", 0);
+void DoWithoutGraphicsDriver() {
+    // The toolkit looks through the driver for visuals on an X display where it was not used
+    // before.
+    setenv("GDK_GL", "disable", 0);
+    if (getenv("WEBKIT_DISABLE_DMABUF_RENDERER") != nullptr) {
+        return;
+    }
+    setenv("WEBKIT_DISABLE_DMABUF_RENDERER", "1", 1);
+    // The engine asks the driver for the device that pages may draw with, unless it is told. No
+    // device: pages draw with what the driver in their own process offers.
+    setenv("WEBKIT_WEB_RENDER_DEVICE_FILE", "/dev/null", 0);
 }
 
 void LogWhatEndsTheProgram() {
