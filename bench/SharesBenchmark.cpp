@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -61,6 +62,17 @@ double ShareBetween(const std::string& first, const std::string& last,
     throw std::runtime_error("no " + last + " behind " + first);
 }
 
+/// The time in all calls of these functions, in milliseconds.
+double TimeIn(const std::set<std::string>& functions, const std::vector<Call>& calls) {
+    double time = 0;
+    for (const Call& call : calls) {
+        if (functions.count(call.function) != 0) {
+            time += call.end - call.start;
+        }
+    }
+    return time / 1e6;
+}
+
 class Shares {
 public:
     explicit Shares(TimedPages& pages) : m_pages(pages) {}
@@ -82,8 +94,12 @@ public:
         // The page's last events are the engine's, and would have the reset wait for them.
         m_helper.Process().Settle();
         static_cast<void>(m_helper.Reset());
-        ReportShare("reset received to ready sent, less the views", "recv", "send",
-                    Await(BrowserResultType::ready));
+        const std::vector<Call> reset = Await(BrowserResultType::ready);
+        ReportShare("reset received to ready sent, less the views", "recv", "send", reset);
+        ReportTime("the views of a reset: one stopped and let go, one made",
+                   {"webkit_web_view_stop_loading", "gtk_container_remove", "g_object_unref",
+                    "webkit_web_view_new_with_context", "gtk_container_add"},
+                   reset);
     }
 
 private:
@@ -95,6 +111,11 @@ private:
     static void ReportShare(const std::string& measure, const std::string& first,
                             const std::string& last, const std::vector<Call>& calls) {
         Report(measure, "Ours", ShareBetween(first, last, calls), "ms");
+    }
+
+    static void ReportTime(const std::string& measure, const std::set<std::string>& functions,
+                           const std::vector<Call>& calls) {
+        Report(measure, "Ours", TimeIn(functions, calls), "ms");
     }
 
     TimedPages& m_pages;

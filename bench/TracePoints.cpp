@@ -177,19 +177,6 @@ void gtk_container_add(GtkContainer* container, GtkWidget* widget) {
     next(container, widget);
 }
 
-void gtk_accel_group_connect(GtkAccelGroup* group, guint key, GdkModifierType modifiers,
-                             GtkAccelFlags flags, GClosure* closure) {
-    static auto* const next = Next<decltype(gtk_accel_group_connect)>(__func__);
-    const Call call(__func__, __builtin_return_address(0));
-    next(group, key, modifiers, flags, closure);
-}
-
-gboolean gtk_accel_group_disconnect(GtkAccelGroup* group, GClosure* closure) {
-    static auto* const next = Next<decltype(gtk_accel_group_disconnect)>(__func__);
-    const Call call(__func__, __builtin_return_address(0));
-    return next(group, closure);
-}
-
 void g_object_unref(gpointer object) {
     static auto* const next = Next<decltype(g_object_unref)>(__func__);
     const Call call(__func__, __builtin_return_address(0));

@@ -60,7 +60,6 @@ void GtkBrowserWindow::ResetBrowser() {
 }
 
 // The parts of a window, which a stand-in never has.
-CAcceleratorSet::~CAcceleratorSet() = default;
 CPageGuard::~CPageGuard() = default;
 COperationLoad::~COperationLoad() = default;
 void webkit_script_dialog_unref(WebKitScriptDialog* /*dialog*/) {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "Accelerators.h"
 #include "AppLog.h"
 #include "BuiltInMessages.h"
 #include "CookieHeader.h"
@@ -76,6 +77,7 @@ void GtkBrowserWindow::init(GtkApplication* application) {
     SetWindowIcon(window);
     m_acceleratorGroup.reset(gtk_accel_group_new());
     gtk_window_add_accel_group(window, m_acceleratorGroup.get());
+    ConnectAccelerators(m_acceleratorGroup.get());
     g_signal_connect(m_window.get(), "delete-event", G_CALLBACK(onDeleteEvent), this);
     m_webContext.reset(webkit_web_context_new());
     // Newer engines choose their processes themselves and call this deprecated; older ones obey.
@@ -94,7 +96,6 @@ void GtkBrowserWindow::initWebView() {
     GtkWidget* const widget = webkit_web_view_new_with_context(m_webContext.get());
     m_webView.reset(WEBKIT_WEB_VIEW(g_object_ref_sink(widget)));
     connectWebViewSignals();
-    m_accelerators = std::make_unique<CAcceleratorSet>(m_acceleratorGroup.get(), m_webView.get());
     m_pageGuard = std::make_unique<CPageGuard>(m_webView.get());
     m_load = std::make_unique<COperationLoad>(
         m_webView.get(), [this] { sendFinalResult(BrowserResultType::error_unknown); });
@@ -230,7 +231,6 @@ void GtkBrowserWindow::Hide() {
 void GtkBrowserWindow::ResetBrowser() {
     webkit_web_view_stop_loading(m_webView.get());
     g_signal_handlers_disconnect_by_data(m_webView.get(), this);
-    m_accelerators.reset();
     m_pageGuard.reset();
     m_load.reset();
     gtk_container_remove(GTK_CONTAINER(m_window.get()), GTK_WIDGET(m_webView.get()));

@@ -11,7 +11,6 @@
 #include <string>
 #include <vector>
 
-#include "AcceleratorSet.h"
 #include "BrowserDataModel.h"
 #include "CookieStore.h"
 #include "CookieWatch.h"
@@ -105,7 +104,6 @@ private:
     std::optional<CCookieStore> m_cookieStore;
     CCookieWatch m_cookieWatch;
     GObjectPtr<GtkAccelGroup> m_acceleratorGroup;
-    std::unique_ptr<CAcceleratorSet> m_accelerators;
     std::unique_ptr<CPageGuard> m_pageGuard;
     std::unique_ptr<COperationLoad> m_load;
     std::string m_finalUrl;

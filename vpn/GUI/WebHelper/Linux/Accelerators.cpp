@@ -1,4 +1,6 @@
-#include "AcceleratorSet.h"
+#include "Accelerators.h"
+
+#include <webkit2/webkit2.h>
 
 namespace {
 
@@ -6,14 +8,19 @@ constexpr double kZoomFactor = 1.1;
 constexpr double kHighestZoom = 5.0;
 constexpr double kLowestZoom = 0.25;
 
+WebKitWebView* WebViewOf(GObject* window) {
+    return WEBKIT_WEB_VIEW(gtk_bin_get_child(GTK_BIN(window)));
+}
+
 // The result of each action: the key is handled, the page does not see it.
 
-gboolean reloadCB(WebKitWebView* webView) {
-    webkit_web_view_reload(webView);
+gboolean reloadCB(GtkAccelGroup* /*group*/, GObject* window) {
+    webkit_web_view_reload(WebViewOf(window));
     return TRUE;
 }
 
-gboolean goBackCB(WebKitWebView* webView) {
+gboolean goBackCB(GtkAccelGroup* /*group*/, GObject* window) {
+    WebKitWebView* const webView = WebViewOf(window);
     if (webkit_web_view_can_go_back(webView)) {
         webkit_web_view_go_back(webView);
     }
@@ -23,7 +30,8 @@ gboolean goBackCB(WebKitWebView* webView) {
 // A step that would leave the range is dropped whole, not clamped, so that the levels reached are
 // always powers of the factor and the way back leads over the same ones.
 
-gboolean zoomInCB(WebKitWebView* webView) {
+gboolean zoomInCB(GtkAccelGroup* /*group*/, GObject* window) {
+    WebKitWebView* const webView = WebViewOf(window);
     const double level = webkit_web_view_get_zoom_level(webView) * kZoomFactor;
     if (level <= kHighestZoom) {
         webkit_web_view_set_zoom_level(webView, level);
@@ -31,7 +39,8 @@ gboolean zoomInCB(WebKitWebView* webView) {
     return TRUE;
 }
 
-gboolean zoomOutCB(WebKitWebView* webView) {
+gboolean zoomOutCB(GtkAccelGroup* /*group*/, GObject* window) {
+    WebKitWebView* const webView = WebViewOf(window);
     const double level = webkit_web_view_get_zoom_level(webView) / kZoomFactor;
     if (level >= kLowestZoom) {
         webkit_web_view_set_zoom_level(webView, level);
@@ -39,15 +48,15 @@ gboolean zoomOutCB(WebKitWebView* webView) {
     return TRUE;
 }
 
-gboolean resetZoomCB(WebKitWebView* webView) {
-    webkit_web_view_set_zoom_level(webView, 1.0);
+gboolean resetZoomCB(GtkAccelGroup* /*group*/, GObject* window) {
+    webkit_web_view_set_zoom_level(WebViewOf(window), 1.0);
     return TRUE;
 }
 
 struct Accelerator {
     guint key;
     GdkModifierType modifier;
-    gboolean (*action)(WebKitWebView*);
+    gboolean (*action)(GtkAccelGroup*, GObject*);
 };
 
 constexpr Accelerator kAccelerators[] = {
@@ -63,18 +72,9 @@ constexpr Accelerator kAccelerators[] = {
 
 }  // namespace
 
-CAcceleratorSet::CAcceleratorSet(GtkAccelGroup* group, WebKitWebView* webView) : m_group(group) {
-    for (const Accelerator& accelerator : kAccelerators) {
-        GClosure* const closure =
-            g_cclosure_new_swap(G_CALLBACK(accelerator.action), webView, nullptr);
-        gtk_accel_group_connect(m_group, accelerator.key, accelerator.modifier, GTK_ACCEL_VISIBLE,
-                                closure);
-        m_closures.push_back(closure);
-    }
-}
-
-CAcceleratorSet::~CAcceleratorSet() {
-    for (GClosure* const closure : m_closures) {
-        gtk_accel_group_disconnect(m_group, closure);
+void ConnectAccelerators(GtkAccelGroup* group) {
+    for (const auto& [key, modifier, action] : kAccelerators) {
+        gtk_accel_group_connect(group, key, modifier, GTK_ACCEL_VISIBLE,
+                                g_cclosure_new(G_CALLBACK(action), nullptr, nullptr));
     }
 }
