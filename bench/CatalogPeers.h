@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "Catalogs.h"
 #include "TemporaryFolder.h"
@@ -85,6 +86,23 @@ private:
 inline CatalogFolder& Catalogs() {
     static CatalogFolder folder;
     return folder;
+}
+
+/// Looks the keys up, one after the other and again from the first.
+template <class Peer>
+void LookUp(benchmark::State& state, const std::vector<std::string>& keys) {
+    const Gettext gettext = Peer::Functions();
+    const std::string domain = Catalogs().Domain(static_cast<std::size_t>(state.range(0)));
+    gettext.bind(domain.c_str(), Catalogs().Path().c_str());
+    if (gettext.lookUp(domain.c_str(), Key(7).c_str(), LC_MESSAGES) != Translation(7)) {
+        state.SkipWithError("the catalogue is not found");
+        return;
+    }
+    std::size_t next = 0;
+    for (auto round : state) {
+        benchmark::DoNotOptimize(gettext.lookUp(domain.c_str(), keys[next].c_str(), LC_MESSAGES));
+        next = next + 1 == keys.size() ? 0 : next + 1;
+    }
 }
 
 inline void Sizes(benchmark::internal::Benchmark* benchmark) {

@@ -127,12 +127,13 @@ std::vector<std::string> Keys(const Reference& reference) {
     return keys;
 }
 
-void CheckLookups(const CMoCatalog& catalog, const Reference& reference, std::string_view bytes) {
+void CheckLookups(CMoCatalog& catalog, const Reference& reference, std::string_view bytes) {
     TK_CHECK(catalog.Charset() == reference.Charset());
     for (const std::string& key : Keys(reference)) {
         const char* const found = catalog.Find(key.c_str());
         const std::optional<std::string> expected = reference.Find(key);
         TK_CHECK((found != nullptr) == expected.has_value());
+        TK_CHECK(catalog.Find(key.c_str()) == found);
         if (found != nullptr) {
             TK_CHECK(found >= bytes.data() && found < bytes.data() + bytes.size());
             TK_CHECK(found == *expected);

@@ -99,6 +99,18 @@ TEST_F(MoCatalog, FindsEveryEntryWhateverTheirNumber) {
     }
 }
 
+TEST_F(MoCatalog, FindsEveryEntryAgain) {
+    constexpr int kCount = 300;
+    Read(SortedEntries(kCount));
+    for (int number = 0; number < 3 * kCount; ++number) {
+        const int entry = number % kCount;
+        for (int time = 0; time < 2; ++time) {
+            EXPECT_EQ(m_catalog.Find(EntryName(entry).c_str()),
+                      "translation " + std::to_string(entry));
+        }
+    }
+}
+
 TEST_F(MoCatalog, DoesNotFindWhatStandsBetweenItsEntries) {
     for (int count = 0; count <= 20; ++count) {
         Read(SortedEntries(count));
@@ -144,6 +156,13 @@ TEST_F(MoCatalog, OutOfOrderIsSearchedAsIfItWereSorted) {
     Read({{"d", "1"}, {"c", "2"}, {"b", "3"}, {"a", "4"}});
     EXPECT_STREQ(m_catalog.Find("b"), "3");
     EXPECT_EQ(m_catalog.Find("a"), nullptr);
+    EXPECT_EQ(m_catalog.Find("d"), nullptr);
+}
+
+TEST_F(MoCatalog, ForgetsWhereAKeyStoodInTheOneBefore) {
+    Read({{"d", "1"}, {"e", "2"}, {"f", "3"}, {"g", "4"}});
+    EXPECT_STREQ(m_catalog.Find("d"), "1");
+    Read({{"d", "1"}, {"c", "2"}, {"b", "3"}, {"a", "4"}});
     EXPECT_EQ(m_catalog.Find("d"), nullptr);
 }
 

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 #include <cstring>
+#include <functional>
+#include <limits>
 
 namespace {
 
@@ -12,6 +14,7 @@ constexpr std::uint32_t kRevision = 0;
 constexpr std::size_t kWordSize = 4;
 constexpr std::size_t kTableEntrySize = 2 * kWordSize;
 constexpr std::size_t kHeaderSize = 5 * kWordSize;
+constexpr std::uint32_t kNowhere = std::numeric_limits<std::uint32_t>::max();
 
 // Takes words from the bytes in the byte order of the file. The caller keeps to their bounds.
 class WordReader {
@@ -84,24 +87,39 @@ void CMoCatalog::Clear() {
     m_originals = std::vector<std::string_view>();
     m_translations = std::vector<std::string_view>();
     m_charset.clear();
+    m_lastFound.fill(kNowhere);
+}
+
+const char* CMoCatalog::Find(const char* key) {
+    const std::size_t hash = std::hash<std::string_view>()(key);
+    std::uint32_t& lastFound = m_lastFound[hash % m_lastFound.size()];
+    if (lastFound < m_originals.size() && CompareBytes(key, m_originals[lastFound]) == 0) {
+        return m_translations[lastFound].data();
+    }
+    const std::size_t index = Search(key);
+    if (index == m_originals.size()) {
+        return nullptr;
+    }
+    lastFound = static_cast<std::uint32_t>(index);
+    return m_translations[index].data();
 }
 
 // A table out of order is not repaired: these probes decide which of its strings are found.
-const char* CMoCatalog::Find(const char* key) const {
+std::size_t CMoCatalog::Search(const char* key) const {
     std::size_t low = 0;
     std::size_t high = m_originals.size();
     std::size_t probe = high / 2;
     for (bool moved = high != 0; moved;) {
         const int order = CompareBytes(key, m_originals[probe]);
         if (order == 0) {
-            return m_translations[probe].data();
+            return probe;
         }
         (order < 0 ? high : low) = probe;
         const std::size_t next = (low + high) / 2;
         moved = next != probe;
         probe = next;
     }
-    return nullptr;
+    return m_originals.size();
 }
 
 // The entry with the empty original: the first one of a sorted catalogue. Deliberately no more is

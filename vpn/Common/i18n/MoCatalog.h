@@ -1,6 +1,8 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,12 +20,14 @@ public:
     void Clear();
 
     /// The translation of the key, a text within the bytes, or null when there is none.
-    [[nodiscard]] const char* Find(const char* key) const;
+    [[nodiscard]] const char* Find(const char* key);
 
     /// What the catalogue's header says behind "charset=", as it stands there; else empty.
     const std::string& Charset() const { return m_charset; }
 
 private:
+    /// Where the key stands, or the number of originals.
+    [[nodiscard]] std::size_t Search(const char* key) const;
     const char* FindHeader() const;
     void ReadCharset();
 
@@ -31,4 +35,6 @@ private:
     std::vector<std::string_view> m_originals;
     std::vector<std::string_view> m_translations;
     std::string m_charset;
+    // Where a key of each hash was found last: most programs ask for the same few again and again.
+    std::array<std::uint32_t, 64> m_lastFound{};
 };
