@@ -65,7 +65,7 @@ TEST_F(LoadedLibraries, HaveOneGenerationOfTheHttpLibrary) {
     EXPECT_EQ(Terminate(), "exited with status 0");
 }
 
-// It takes half of the start and a third of the memory, and a broken one could end the program.
+// It takes two fifths of the start and of the memory, and a broken one could end the program.
 TEST_F(LoadedLibraries, HaveNoGraphicsDriverInTheProgram) {
     // The toolkit leaves what it learns from the driver on the display, for all that come after.
     const VirtualDisplay untouched;

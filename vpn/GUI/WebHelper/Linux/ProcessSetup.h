@@ -8,7 +8,7 @@
 void KeepSecretsPrivate();
 
 /// Keeps the toolkit and the engine from loading the graphics driver into this process, which draws
-/// nothing with it: half of the start's time, and a third of the memory behind it, go with it.
+/// nothing with it: two fifths of the start's time and of the memory behind it go with it.
 /// Whoever sets the engine's first variable here decides for the engine. Called first of all, while
 /// there is one thread.
 void DoWithoutGraphicsDriver();
