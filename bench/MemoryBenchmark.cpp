@@ -45,12 +45,15 @@ void Endure(const std::string& program, const std::string& turns, int count,
     }
 }
 
-void EndureOperations(TimedPages& pages, int count) {
+void EndureOperationsInHelper(TimedPages& pages, int count) {
     MeasuredHelper helper;
     Endure("Ours", "operations", count, helper.Process(), [&] {
         helper.Browse(pages.NewPage());
         static_cast<void>(helper.AwaitResult(BrowserResultType::success));
     });
+}
+
+void EndureOperationsInFloor(TimedPages& pages, int count) {
     MeasuredFloor floor;
     static_cast<void>(floor.AwaitLine("ready"));
     Endure("Floor", "operations", count, floor.Process(), [&] {
@@ -59,12 +62,15 @@ void EndureOperations(TimedPages& pages, int count) {
     });
 }
 
-void EndureResets(int count) {
+void EndureResetsInHelper(int count) {
     MeasuredHelper helper;
     Endure("Ours", "resets", count, helper.Process(), [&] {
         helper.Reset();
         static_cast<void>(helper.AwaitResult(BrowserResultType::ready));
     });
+}
+
+void EndureResetsInFloor(int count) {
     MeasuredFloor floor;
     static_cast<void>(floor.AwaitLine("ready"));
     Endure("Floor", "resets", count, floor.Process(), [&] {
@@ -77,6 +83,9 @@ void EndureResets(int count) {
 
 void Measure(const Amount& amount, TimedPages& pages) {
     Interleave(amount.rounds, {[&] { StartHelper(pages); }, [&] { StartFloor(pages); }});
-    EndureOperations(pages, amount.operations);
-    EndureResets(amount.resets);
+    // One at a time: what two processes share counts for neither.
+    EndureOperationsInHelper(pages, amount.operations);
+    EndureOperationsInFloor(pages, amount.operations);
+    EndureResetsInHelper(amount.resets);
+    EndureResetsInFloor(amount.resets);
 }
