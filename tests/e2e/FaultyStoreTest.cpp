@@ -34,6 +34,8 @@ protected:
         fs::create_directory_symlink(folder, Folder());
     }
 
+    /// The page is not the final one: its cookie is reported before it is finished, and that event
+    /// would count for the next operation if it came when that has just been queued.
     void ExpectCookie(const std::string& value) {
         m_server.Serve("/page", {200,
                                  "page",
@@ -41,7 +43,7 @@ protected:
                                  {{"Set-Cookie", "sid=" + value + "; Path=/; Max-Age=3600"}}});
         Send(OperationText({{"operation", "browse_for_cookie"},
                             {"url", m_server.Url("/page")},
-                            {"final_url", m_server.Url("/page")},
+                            {"final_url", m_server.Url("/nowhere")},
                             {"cookie_name", "sid"}}));
         EXPECT_EQ(NextResult(), "success_with_cookie " + value);
     }
