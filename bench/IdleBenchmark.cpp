@@ -123,6 +123,7 @@ void Measure(const Amount& amount, TimedPages& pages) {
     for (const auto& floor : floors) {
         all.emplace_back("Floor", floor->Process().Pid());
     }
+    // The time that is measured: nothing happens in it either.
     std::this_thread::sleep_for(std::chrono::seconds(amount.seconds));
     for (const Watched& watched : all) {
         watched.ReportSince();

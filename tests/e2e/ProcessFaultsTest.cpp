@@ -191,6 +191,19 @@ TEST_F(ProcessFaults, AFrozenNetworkProcessDoesNotHoldUpTheTimeout) {
     ExpectGoodPage();
 }
 
+// It sleeps in each of them, but never where it would notice the program's end.
+TEST_F(ProcessFaults, AnEndlessRowOfSynchronousRequestsDoesNotOutliveTheProgram) {
+    m_server.ServeOnRelease("/held", {});
+    m_server.ServePage("/endless",
+                       "<script>for (;;) { try { const request = new XMLHttpRequest; "
+                       "request.open('GET', '/held', false); request.send(); } catch (error) {} }"
+                       "</script>");
+    BrowseTo("/endless", "1");
+    ASSERT_TRUE(m_server.WaitForRequest("/held"));
+    EXPECT_EQ(NextResult(), "error_timeout");
+    ExpectEndWithoutChildren();
+}
+
 TEST_F(ProcessFaults, AnEndlessScriptDoesNotOutliveTheProgram) {
     m_server.ServePage("/endless",
                        "<script>navigator.sendBeacon('/running', 'x'); for (;;) {}</script>");

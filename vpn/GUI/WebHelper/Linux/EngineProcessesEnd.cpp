@@ -32,13 +32,13 @@ std::string ProgramOf(pid_t process) {
     return fs::read_symlink("/proc/" + std::to_string(process) + "/exe", error).filename();
 }
 
-// Waiting for what comes next, and able to notice our end.
-bool IsAsleep(pid_t process) {
-    std::ifstream file("/proc/" + std::to_string(process) + "/stat");
-    std::string text;
-    std::getline(file, text);
-    // The state stands behind the name, which is in parentheses and may hold anything.
-    return text.find(") S ", text.rfind(')')) != std::string::npos;
+// Whether it waits in its main loop, where it notices our end. One that runs, is stopped, or waits
+// for anything else would notice late or never; so might one whose place the kernel does not tell.
+bool IsInItsLoop(pid_t process) {
+    std::ifstream file("/proc/" + std::to_string(process) + "/wchan");
+    std::string place;
+    file >> place;
+    return place.find("poll") != std::string::npos;
 }
 
 void End(pid_t process) {
@@ -46,7 +46,7 @@ void End(pid_t process) {
     if (program == "WebKitWebProcess") {
         // It keeps nothing that could be lost. Killed needlessly, it would give its memory back
         // at the same time as this process, which then takes 3 ms longer to end.
-        if (!IsAsleep(process)) {
+        if (!IsInItsLoop(process)) {
             kill(process, SIGKILL);
         }
     } else if (program == "WebKitNetworkProcess") {
