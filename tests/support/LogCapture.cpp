@@ -102,6 +102,14 @@ std::vector<std::string> LogCapture::Lines() const {
     return lines;
 }
 
+std::vector<std::string> LogCapture::Fields(const char* label) const {
+    std::vector<std::string> fields;
+    for (const CapturedRecord& record : m_store->Records()) {
+        fields.push_back(Field(record.text, label));
+    }
+    return fields;
+}
+
 bool LogCapture::WaitForRecords(std::size_t count) const {
     return m_store->WaitForRecords(count);
 }

@@ -29,6 +29,10 @@ public:
     /// as "E invoked function returned 0xFE000002".
     [[nodiscard]] std::vector<std::string> Lines() const;
 
+    /// The function that each record names, in order, and the line.
+    [[nodiscard]] std::vector<std::string> Functions() const { return Fields("Function: "); }
+    [[nodiscard]] std::vector<std::string> SourceLines() const { return Fields("Line: "); }
+
     /// Blocks until at least so many records have come; false when the test deadline passed.
     [[nodiscard]] bool WaitForRecords(std::size_t count) const;
 
@@ -36,6 +40,8 @@ public:
     void Clear();
 
 private:
+    [[nodiscard]] std::vector<std::string> Fields(const char* label) const;
+
     class Store;
     std::shared_ptr<Store> m_store;
     ResultCode m_result = 0;

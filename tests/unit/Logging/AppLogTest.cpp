@@ -194,8 +194,15 @@ TEST_F(LogEventTest, WritesAnEmptyRecordForAnUnknownIdentifier) {
     EXPECT_EQ(record.level, 'T');
 }
 
+void LogById(std::uint32_t messageId, std::uint32_t level, ...) {
+    std::va_list arguments;
+    va_start(arguments, level);
+    LogMessageById(messageId, level, arguments);
+    va_end(arguments);
+}
+
 TEST_F(LogMessageByIdTest, WritesTheGivenMessageAtTheGivenLevel) {
-    LogMessageById(3, 'I', "f", "a.cpp", 5, "verbose");
+    LogById(3, 'I', "f", "a.cpp", 5, "verbose");
     const CapturedRecord record = OnlyRecord();
     EXPECT_EQ(record.text, "Function: f\nFile: a.cpp\nLine: 5\nverbose");
     EXPECT_EQ(record.severity, 7U);
@@ -205,8 +212,18 @@ TEST_F(LogMessageByIdTest, WritesTheGivenMessageAtTheGivenLevel) {
 }
 
 TEST_F(LogMessageByIdTest, CutsTheRecordAt2047Characters) {
-    LogMessageById(0, 'I', std::string(3000, 'x').c_str());
+    LogById(0, 'I', std::string(3000, 'x').c_str());
     EXPECT_EQ(OnlyRecord().text, std::string(2047, 'x'));
+}
+
+TEST_F(LogMacros, NameAnotherFunctionWhenTold) {
+    TK_LOG_ERROR_OF("first", "%s", "one");
+    TK_LOG_WARNING_OF("second", "two");
+    TK_LOG_INFORMATION_OF("third", "%d", 3);
+    TK_LOG_FAILED_CALL_OF("fourth", "CPlace::Call", GLOBAL_ERROR_UNEXPECTED);
+    EXPECT_THAT(m_log.Lines(), testing::ElementsAre("E one", "W two", "I 3",
+                                                    "E CPlace::Call returned 0xFE000009"));
+    EXPECT_THAT(m_log.Functions(), testing::ElementsAre("first", "second", "third", "fourth"));
 }
 
 void Complain() {

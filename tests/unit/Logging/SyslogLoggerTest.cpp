@@ -154,18 +154,18 @@ TEST_F(AppLogAtTheSystemLog, WritesEachRecordAsOneLine) {
     EXPECT_EQ(records[1].priority, kDaemon | 3);
 }
 
-TEST_F(AppLogAtTheSystemLog, WritesAnEmptyLineForAnUnknownIdentifierAtTheLevelsPriority) {
+TEST_F(AppLogAtTheSystemLog, WritesAnEmptyLineForAnUnknownIdentifierAtAnEventsPriority) {
     ResultCode result = 1;
     const CAppLog log(result, "test", nullptr);
-    LogMessageById(500, 'W');
+    LogEvent(500);
     EXPECT_THAT(m_systemLog.Texts("test"), ElementsAre(""));
-    EXPECT_EQ(m_systemLog.Records().front().priority, kDaemon | 4);
+    EXPECT_EQ(m_systemLog.Records().front().priority, kDaemon | 5);
 }
 
 TEST_F(AppLogAtTheSystemLog, WritesTheLongestRecordWhole) {
     ResultCode result = 1;
     const CAppLog log(result, "test", nullptr);
-    LogMessageById(0, 'E', std::string(3000, 'x').c_str());
+    LogEvent(0, std::string(3000, 'x').c_str());
     EXPECT_THAT(m_systemLog.Texts("test"), ElementsAre(std::string(2047, 'x')));
 }
 

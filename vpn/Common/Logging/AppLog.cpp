@@ -32,7 +32,16 @@ const char* NameOrUnknown(std::uint32_t code) {
     return name != nullptr ? name : kUnknown;
 }
 
-void WriteRecord(std::uint32_t messageId, std::uint32_t level, std::va_list arguments) {
+void WriteRecord(std::uint32_t messageId, std::uint32_t level, ...) {
+    std::va_list arguments;
+    va_start(arguments, level);
+    LogMessageById(messageId, level, arguments);
+    va_end(arguments);
+}
+
+}  // namespace
+
+void LogMessageById(std::uint32_t messageId, std::uint32_t level, std::va_list arguments) {
     const EventMessage& message = FindEventMessage(messageId);
     char record[kRecordSize] = "";
     BoundedFormat(record, sizeof record, message.format, arguments);
@@ -41,23 +50,20 @@ void WriteRecord(std::uint32_t messageId, std::uint32_t level, std::va_list argu
     }
 }
 
-}  // namespace
-
-void LogMessageById(std::uint32_t messageId, std::uint32_t level, ...) {
-    std::va_list arguments;
-    va_start(arguments, level);
-    WriteRecord(messageId, level, arguments);
-    va_end(arguments);
+void LogTextById(std::uint32_t messageId, const char* function, const char* file,
+                 std::uint32_t line, std::uint32_t level, const char* format,
+                 std::va_list arguments) {
+    char message[kMessageSize] = "";
+    BoundedFormat(message, sizeof message, format, arguments);
+    WriteRecord(messageId, level, function, file, line, message);
 }
 
 void LogMessage(const char* function, const char* file, std::uint32_t line, std::uint32_t level,
                 const char* format, ...) {
-    char message[kMessageSize] = "";
     std::va_list arguments;
     va_start(arguments, format);
-    BoundedFormat(message, sizeof message, format, arguments);
+    LogTextById(MID_DEBUG_MESSAGE, function, file, line, level, format, arguments);
     va_end(arguments);
-    LogMessageById(MID_DEBUG_MESSAGE, level, function, file, line, message);
 }
 
 void LogReturnCode(const char* function, const char* file, std::uint32_t line, std::uint32_t level,
@@ -80,14 +86,14 @@ void LogReturnCode(const char* function, const char* file, std::uint32_t line, s
     } else if (description == nullptr) {
         description = kUnknown;
     }
-    LogMessageById(MID_DEBUG_RETURN_CODE, level, function, file, line, invokedFunction, code, code,
-                   description, trailingMessage);
+    WriteRecord(MID_DEBUG_RETURN_CODE, level, function, file, line, invokedFunction, code, code,
+                description, trailingMessage);
 }
 
 void LogEvent(std::uint32_t messageId, ...) {
     std::va_list arguments;
     va_start(arguments, messageId);
-    WriteRecord(messageId, 'T', arguments);
+    LogMessageById(messageId, 'T', arguments);
     va_end(arguments);
 }
 

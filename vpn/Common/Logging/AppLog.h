@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdarg>
 #include <cstdint>
 
 #include "ILogger.h"
@@ -11,14 +12,23 @@
 //
 // Levels: 'E' error, 'W' warning, 'I' information, 'T' event; any other letter is a debug record.
 
-#define TK_LOG_ERROR(...) LogMessage(__func__, __FILE__, __LINE__, 'E', __VA_ARGS__)
-#define TK_LOG_WARNING(...) LogMessage(__func__, __FILE__, __LINE__, 'W', __VA_ARGS__)
-#define TK_LOG_INFORMATION(...) LogMessage(__func__, __FILE__, __LINE__, 'I', __VA_ARGS__)
+// The macros fill in who logs. Those that end in _OF name another function: the one that the
+// suite's administrators know, where it leaves the work to a helper.
+
+#define TK_LOG_ERROR_OF(function, ...) LogMessage(function, __FILE__, __LINE__, 'E', __VA_ARGS__)
+#define TK_LOG_WARNING_OF(function, ...) LogMessage(function, __FILE__, __LINE__, 'W', __VA_ARGS__)
+#define TK_LOG_INFORMATION_OF(function, ...) \
+    LogMessage(function, __FILE__, __LINE__, 'I', __VA_ARGS__)
+#define TK_LOG_ERROR(...) TK_LOG_ERROR_OF(__func__, __VA_ARGS__)
+#define TK_LOG_WARNING(...) TK_LOG_WARNING_OF(__func__, __VA_ARGS__)
+#define TK_LOG_INFORMATION(...) TK_LOG_INFORMATION_OF(__func__, __VA_ARGS__)
 
 /// Reports at error level that the named function (qualified) gave a non-zero result code.
-#define TK_LOG_FAILED_CALL(invokedFunction, code)                     \
-    LogReturnCode(__func__, __FILE__, __LINE__, 'E', invokedFunction, \
+#define TK_LOG_FAILED_CALL_OF(function, invokedFunction, code)        \
+    LogReturnCode(function, __FILE__, __LINE__, 'E', invokedFunction, \
                   static_cast<std::uint32_t>(code), nullptr, nullptr)
+#define TK_LOG_FAILED_CALL(invokedFunction, code) \
+    TK_LOG_FAILED_CALL_OF(__func__, invokedFunction, code)
 
 /// The same, followed by a text that tells more: a format and its arguments.
 #define TK_LOG_FAILED_CALL_TEXT(invokedFunction, code, ...)           \
@@ -39,7 +49,12 @@ void LogReturnCode(const char* function, const char* file, std::uint32_t line, s
 void LogEvent(std::uint32_t messageId, ...);
 
 /// Writes a record of a given message with a given level; the arguments are the message's own.
-void LogMessageById(std::uint32_t messageId, std::uint32_t level, ...);
+void LogMessageById(std::uint32_t messageId, std::uint32_t level, std::va_list arguments);
+
+/// Writes a free-text record as LogMessage() does, of another message with the same fields.
+void LogTextById(std::uint32_t messageId, const char* function, const char* file,
+                 std::uint32_t line, std::uint32_t level, const char* format,
+                 std::va_list arguments) __attribute__((format(printf, 6, 0)));
 
 /// One initialisation of the log. The first installs the sink, the last to go deletes it.
 class CAppLog {

@@ -4,12 +4,9 @@
 
 #include "AppLog.h"
 #include "AppLogCustomConfig.h"
-#include "BoundedFormat.h"
 #include "EventMessages.h"
 
 namespace {
-
-constexpr std::size_t kMessageSize = 1024;
 
 bool IsWanted(std::int32_t component, std::int32_t verbosity) {
     if (verbosity == 0) {
@@ -27,10 +24,8 @@ void LogVerbose(const char* function, const char* file, std::uint32_t line, std:
     if (!IsWanted(component, verbosity)) {
         return;
     }
-    char message[kMessageSize] = "";
     std::va_list arguments;
     va_start(arguments, format);
-    BoundedFormat(message, sizeof message, format, arguments);
+    LogTextById(MID_VERBOSE_MESSAGE, function, file, line, level, format, arguments);
     va_end(arguments);
-    LogMessageById(MID_VERBOSE_MESSAGE, level, function, file, line, message);
 }

@@ -107,9 +107,10 @@ TEST_F(ConfigurationFileContents, AreTheFileByteForByte) {
 
 TEST_F(ContentsFailure, OfAMissingFileIsOneLine) {
     ExpectFailure(0xFEDE000A, {kNotReadable});
-    EXPECT_THAT(m_log.Records().front().text,
-                testing::StartsWith("Function: getConfigurationFileContents\n"
-                                    "File: vpn/Common/Logging/AppLogCustomConfig.cpp\n"));
+    EXPECT_THAT(
+        m_log.Records().front().text,
+        testing::StartsWith("Function: getConfigurationFileContents\n"
+                            "File: vpn/Common/Logging/Configuration/AppLogCustomConfig.cpp\n"));
 }
 
 TEST_F(ContentsFailure, OfAnEmptyFileFollowsItsWarning) {
