@@ -205,6 +205,21 @@ TEST_F(FailingCallsOfTheCatalogue, TheAllocationOfEachNameThatItKeeps) {
     ExpectOneLogLineOf([](const std::string& name) { EXPECT_FALSE(MsgCatalog::setCatalog(name)); });
 }
 
+TEST_F(FailingCallsOfTheCatalogue, TheAllocationOfEachTextThatAMessageKeeps) {
+    ExpectOneLogLineOf([](const std::string& text) { EXPECT_TRUE(MsgWithArg(text).isEmpty()); });
+    ExpectOneLogLineOf([](const std::string& text) {
+        EXPECT_STREQ(MsgWithArg("kept", text).getMessageId(), "kept");
+    });
+    ExpectOneLogLineOf([](const std::string& text) { MsgWithArg().setMessageId(text); });
+    ExpectOneLogLineOf([](const std::string& text) { MsgWithArg().setCatalog(text); });
+    ExpectOneLogLineOf([](const std::string& text) { MsgWithArg().addArg(text); });
+    ExpectOneLogLineOf([](const std::string& text) { MsgWithArg().addArg(text.c_str()); });
+}
+
+TEST_F(FailingCallsOfTheCatalogue, TheAllocationOfALongCatalogueName) {
+    ExpectOneLogLineOf([](const std::string& name) { MsgCatalog::init(name.c_str(), ""); });
+}
+
 bool LoadAndRelease(Call kind, std::size_t number) {
     const FailingCall failing(kind, number);
     static_cast<void>(dgettext("tkdownloader-gtk", "Sign in to the network"));

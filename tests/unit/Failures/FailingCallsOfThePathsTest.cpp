@@ -79,6 +79,33 @@ TEST(FailingCallsOfTheStoragePath, EveryAllocationOfLookingTheHomeUp) {
     EXPECT_THAT(FailEachCall(Call::Allocation, LookUpHome), Ge(1U));
 }
 
+/// A path that there is no memory for is empty.
+template <class Getter>
+void ExpectNoPathWithoutMemory(Getter getter) {
+    ResultCode result = kSuccess;
+    const CStoragePath storagePath(result, "");
+    const SparedLog log;
+    std::string path = "what was there before";
+    {
+        const FailingCall failing(Call::Allocation, 1);
+        path = getter(storagePath);
+        EXPECT_TRUE(FailingCall::HasFailed());
+    }
+    EXPECT_EQ(path, "");
+    EXPECT_THAT(log.Lines(),
+                ElementsAre(HasSubstr("Caught storage path exception - std::bad_alloc")));
+}
+
+TEST(FailingCallsOfTheStoragePath, TheAllocationOfEachPath) {
+    ExpectNoPathWithoutMemory([](const auto& paths) { return paths.GetInstallPath(); });
+    ExpectNoPathWithoutMemory([](const auto& paths) { return paths.GetBinPath(); });
+    ExpectNoPathWithoutMemory([](const auto& paths) { return paths.GetFeedbackModuleDataPath(); });
+    ExpectNoPathWithoutMemory([](const auto& paths) { return paths.GetProfilePath(1); });
+    const std::string noUser;
+    ExpectNoPathWithoutMemory(
+        [&](const auto& paths) { return paths.GetProgramDataPath(false, noUser); });
+}
+
 /// Every directory is missing, and each run has a folder of its own.
 bool MakeDirectories(Call kind, std::size_t number) {
     const TemporaryFolder folder;

@@ -191,6 +191,11 @@ TEST_F(TextFileFailure, OfTheRewriteIsReportedByTheEditingFunctionsToo) {
             m_log.Lines(),
             ElementsAre("E Failed to open file " + m_file, "E Failed to update file " + m_file,
                         "E Failed to open file " + m_file, "E Failed to update file " + m_file));
+        EXPECT_THAT(m_log.Functions(),
+                    ElementsAre("SetTextFileContents", "RemoveFromFileMatchingLine",
+                                "SetTextFileContents", "insertIntoFilePrePostMatchingLine"));
+        // Each names a line of its own.
+        EXPECT_NE(m_log.SourceLines()[1], m_log.SourceLines()[3]);
     }));
     EXPECT_EQ(ReadFile(m_file), "line\n");
 }
@@ -219,7 +224,7 @@ TEST_F(TextFileFailure, OfAFileThatVanishesAfterTheSearchIsReported) {
     const PathThatChangesUnderItsReader path(m_file, [] {});
     EXPECT_FALSE(RemoveFromFileMatchingLine(m_file, "line"));
     EXPECT_THAT(m_log.Lines(), ElementsAre("E Failed to open file " + m_file));
-    EXPECT_THAT(m_log.Records().front().text, StartsWith("Function: RemoveFromFileMatchingLine\n"));
+    EXPECT_THAT(m_log.Functions(), ElementsAre("RemoveFromFileMatchingLine"));
 }
 
 TEST_F(TextFileFailure, OfAFileThatCannotBeReadAfterTheSearchIsReported) {

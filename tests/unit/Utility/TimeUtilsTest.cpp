@@ -116,6 +116,12 @@ TEST(FormatLocalTime, WritesMonthDayHourAndMinuteInStyleOne) {
     EXPECT_EQ(FormatLocalTime(time, 1), "_0102_2304");
 }
 
+TEST(FormatLocalTime, WritesTenCharactersAtMostInStyleOne) {
+    std::tm time = FifteenthOfNovember();
+    time.tm_mon = 12345;
+    EXPECT_EQ(FormatLocalTime(time, 1), "_1234615_0");
+}
+
 TEST(FormatLocalTime, WritesTheFixedFormInStyleTwo) {
     EXPECT_EQ(FormatLocalTime(FifteenthOfNovember(), 2), "Mon Nov 15 09:13:05 2021\n");
 }

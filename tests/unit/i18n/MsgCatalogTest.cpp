@@ -139,7 +139,7 @@ TEST_F(MsgCatalogs, WithoutACharsetAreTakenSilently) {
 TEST_F(MsgCatalogs, ReportTheirInitialisationWithTheStoredLocaleName) {
     InstallCatalog("Other", "utf-8", kOtherEntries);
     MsgCatalog::setLocale("stored");
-    MsgCatalog::init(std::string("Other"), "argument");
+    MsgCatalog::init("Other", "argument");
     EXPECT_THAT(m_log.Lines(), ElementsAre("I The character set is utf-8.",
                                            "I initialized catalog: Other with locale: stored"));
 }

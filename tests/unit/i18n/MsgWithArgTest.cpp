@@ -129,6 +129,8 @@ TEST(MsgWithArgRendering, SurvivesSenselessPositions) {
 TEST(MsgWithArgRendering, SurvivesHugeWidths) {
     EXPECT_EQ(Rendered("%9999s", {"a"}), std::string(2047, ' '));
     EXPECT_EQ(Rendered("<%99999s>", {"a"}), "<%99999s>");
+    EXPECT_EQ(Rendered("%1$9999s", {"a"}), std::string(2047, ' '));
+    EXPECT_EQ(Rendered("<%1$99999s>", {"a"}), "<%1$99999s>");
     EXPECT_EQ(Rendered("<%1$99999999999s>", {"a"}), "<%1$99999999999s>");
 }
 

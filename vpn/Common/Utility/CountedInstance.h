@@ -2,11 +2,11 @@
 
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <new>
 #include <string>
 
 #include "AppLog.h"
+#include "ManualLock.h"
 #include "ResultCodes.h"
 
 /// The one live object of a class and the number of its holders. The class is built from an
@@ -14,8 +14,6 @@
 template <class T>
 class CCountedInstance {
 public:
-    constexpr CCountedInstance() = default;
-
     /// Makes the instance, or acquires the one that is there. Without a lock around the check:
     /// called once at start-up, before there are other threads.
     [[nodiscard]] ResultCode CreateSingletonInstance(T*& instance, const char* className,
@@ -40,7 +38,7 @@ public:
 
     /// The instance with one more holder, or null when there is none.
     T* AcquireInstance() {
-        const std::lock_guard<std::mutex> guard(m_mutex);
+        const CManualLockGuard guard(m_lock);
         if (m_instance != nullptr) {
             ++m_referenceCount;
         }
@@ -51,7 +49,7 @@ public:
     /// instance is destroyed at once: that is how a half-made one is disposed of.
     void ReleaseInstance(T* instance) {
         {
-            const std::lock_guard<std::mutex> guard(m_mutex);
+            const CManualLockGuard guard(m_lock);
             if (instance != nullptr && instance == m_instance) {
                 if (--m_referenceCount != 0) {
                     return;
@@ -64,7 +62,7 @@ public:
     }
 
     std::uint32_t GetInstanceRefCount() {
-        const std::lock_guard<std::mutex> guard(m_mutex);
+        const CManualLockGuard guard(m_lock);
         return m_referenceCount;
     }
 
@@ -79,7 +77,9 @@ private:
         }
     }
 
-    std::mutex m_mutex;
+    static constexpr unsigned kSpinCount = 500;
+
+    CManualLock m_lock{kSpinCount};
     T* m_instance = nullptr;
     std::uint32_t m_referenceCount = 0;
 };

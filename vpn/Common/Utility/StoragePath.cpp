@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <new>
 #include <optional>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -19,6 +20,14 @@ constexpr std::int32_t kManagementTunnelProfile = 1;
 constexpr std::size_t kFirstPasswordBufferSize = 1024;
 
 CCountedInstance<CStoragePath> storagePath;
+
+// Empty, and logged, without memory for it.
+std::string PathBelow(std::string_view root, std::string_view name) try {
+    return std::string(root).append(name);
+} catch (const std::bad_alloc& error) {
+    TK_LOG_ERROR("Caught storage path exception - %s", error.what());
+    return "";
+}
 
 // Home folder, with a slash behind it, in the entry that the query, a getpw*_r function with its
 // key bound, finds.
@@ -69,11 +78,11 @@ CStoragePath::CStoragePath(ResultCode& result, const std::string& /*reserved*/)
 }
 
 std::string CStoragePath::GetInstallPath() const {
-    return m_installRoot;
+    return PathBelow(m_installRoot, "");
 }
 
 std::string CStoragePath::GetBinPath() const {
-    return m_installRoot + "bin/";
+    return PathBelow(m_installRoot, "bin/");
 }
 
 std::string CStoragePath::GetUserProgramDataPath(const std::string& userName) const {
@@ -92,16 +101,16 @@ std::string CStoragePath::GetUserProgramDataPath(const std::string& userName) co
 }
 
 std::string CStoragePath::GetProgramDataPath(bool perUser, const std::string& userName) const {
-    return perUser ? GetUserProgramDataPath(userName) : m_installRoot;
+    return perUser ? GetUserProgramDataPath(userName) : PathBelow(kInstallRoot, "/");
 }
 
 std::string CStoragePath::GetFeedbackModuleDataPath() const {
-    return m_installRoot + "CustomerExperienceFeedback" + "/" + "moduledata";
+    return PathBelow(m_installRoot, "CustomerExperienceFeedback/moduledata");
 }
 
 std::string CStoragePath::GetProfilePath(std::int32_t profileType) const {
-    return m_installRoot +
-           (profileType == kManagementTunnelProfile ? "profile/mgmttun" : "profile");
+    return PathBelow(m_installRoot,
+                     profileType == kManagementTunnelProfile ? "profile/mgmttun" : "profile");
 }
 
 std::string CStoragePath::GetUILogPath() const {

@@ -7,8 +7,8 @@
 #include "ResultCodes.h"
 
 /// Knows where the suite keeps its files: a process-wide singleton that counts its references.
-/// Immutable, so its paths may be asked for on any thread; they come as new strings. Nothing is
-/// read from the environment.
+/// Immutable, so its paths may be asked for on any thread; they come as new strings, empty where
+/// there is no memory for one, which is logged. Nothing is read from the environment.
 class CStoragePath {
 public:
     /// Makes the instance and hands out its first reference, or one more reference when there is

@@ -132,23 +132,16 @@ bool SeachFileForMatchingLine(const std::string& path, const std::string& line) 
 
 namespace {
 
-// Writes the edited text back if all of the file was read. Failures are the editing function's.
-bool FinishRewrite(const char* function, const std::string& path, ReadOutcome outcome,
-                   const std::string& text) {
+// Writes the edited text back if all of the file was read. Null when that went well, else what
+// failed, for the editing function to log.
+const char* Rewrite(const std::string& path, ReadOutcome outcome, const std::string& text) {
     if (outcome == ReadOutcome::kNotOpened) {
-        LogMessage(function, __FILE__, __LINE__, 'E', "Failed to open file %s", path.c_str());
-        return false;
+        return "Failed to open file";
     }
     if (outcome == ReadOutcome::kFailed) {
-        LogMessage(function, __FILE__, __LINE__, 'E', "Failed to fully inspect file %s",
-                   path.c_str());
-        return false;
+        return "Failed to fully inspect file";
     }
-    if (!SetTextFileContents(path, text)) {
-        LogMessage(function, __FILE__, __LINE__, 'E', "Failed to update file %s", path.c_str());
-        return false;
-    }
-    return true;
+    return SetTextFileContents(path, text) ? nullptr : "Failed to update file";
 }
 
 }  // namespace
@@ -166,7 +159,11 @@ bool RemoveFromFileMatchingLine(const std::string& path, const std::string& line
         kept += candidate != line ? candidate + "\n" : "";
         return true;
     });
-    return FinishRewrite(__func__, path, outcome, kept);
+    if (const char* const failure = Rewrite(path, outcome, kept)) {
+        TK_LOG_ERROR("%s %s", failure, path.c_str());
+        return false;
+    }
+    return true;
 }
 
 bool insertIntoFilePrePostMatchingLine(const std::string& path, const std::string& newLine,
@@ -185,7 +182,11 @@ bool insertIntoFilePrePostMatchingLine(const std::string& path, const std::strin
         text += isAnchor && before != 1 ? newLine + "\n" : "";
         return true;
     });
-    return FinishRewrite(__func__, path, outcome, text);
+    if (const char* const failure = Rewrite(path, outcome, text)) {
+        TK_LOG_ERROR("%s %s", failure, path.c_str());
+        return false;
+    }
+    return true;
 }
 
 bool insertIntoFilePreMatchingLine(const std::string& path, const std::string& newLine,

@@ -12,6 +12,7 @@ namespace {
 
 constexpr int kStyleCompact = 1;
 constexpr int kStyleFixed = 2;
+constexpr std::size_t kCompactFormLength = 10;
 constexpr std::size_t kFixedFormSize = 26;  // what asctime_r() asks for
 constexpr std::size_t kLocaleFormSize = 64;
 constexpr std::int64_t kMicrosecondsPerSecond = 1000000;
@@ -32,6 +33,13 @@ std::int64_t AddSeconds(std::int64_t left, std::int64_t right) {
 std::int64_t SubtractSeconds(std::int64_t left, std::int64_t right) {
     std::int64_t difference = 0;
     return __builtin_sub_overflow(left, right, &difference) ? Limits::max() : difference;
+}
+
+std::string CompactForm(const std::tm& localTime) {
+    const std::string text =
+        CStringUtils::Format("_%02d%02d_%02d%02d", localTime.tm_mon + 1, localTime.tm_mday,
+                             localTime.tm_hour, localTime.tm_min);
+    return text.substr(0, kCompactFormLength);
 }
 
 std::string FixedForm(const std::tm& localTime) {
@@ -90,8 +98,7 @@ std::string TimeNowFormatted(int style) {
 std::string FormatLocalTime(const std::tm& localTime, int style) {
     switch (style) {
         case kStyleCompact:
-            return CStringUtils::Format("_%02d%02d_%02d%02d", localTime.tm_mon + 1,
-                                        localTime.tm_mday, localTime.tm_hour, localTime.tm_min);
+            return CompactForm(localTime);
         case kStyleFixed:
             return FixedForm(localTime);
         default:

@@ -19,8 +19,8 @@ ResultCode TimeNowToString(const char* format, char* buffer, std::size_t length)
 /// The local time in one of the styles of FormatLocalTime(); empty when it cannot be had.
 std::string TimeNowFormatted(int style);
 
-/// Style 1: _MMDD_hhmm. Style 2: as asctime() writes it, with its line feed. Any other: the form
-/// that the C library's locale prefers, at most 63 characters.
+/// Style 1: _MMDD_hhmm, at most 10 characters. Style 2: as asctime() writes it, with its line feed.
+/// Any other: the form that the C library's locale prefers, at most 63 characters.
 std::string FormatLocalTime(const std::tm& localTime, int style);
 
 /// Sleeps and gives the status of usleep(). More than 4294967 milliseconds wrap around.

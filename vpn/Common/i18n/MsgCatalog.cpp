@@ -108,6 +108,12 @@ void MsgCatalog::init(const char* localeName, const std::string& catalogName) {
     init(catalogName, localeName);
 }
 
+void MsgCatalog::init(const char* catalogName, const char* localeName) try {
+    init(std::string(catalogName), localeName);
+} catch (const std::exception& error) {
+    TK_LOG_ERROR("Caught message catalog exception - %s", error.what());
+}
+
 void MsgCatalog::getMessage(const char* identifier, std::string& text) try {
     const CManualLockGuard guard(state.lock);
     text.clear();

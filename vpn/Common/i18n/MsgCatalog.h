@@ -21,6 +21,8 @@ public:
     /// Sets the catalogue and marks the process's first one as set. The locale name is not used.
     static void init(const std::string& catalogName, const char* localeName);
     static void init(const char* localeName, const std::string& catalogName);
+    /// Takes two literals in the first order.
+    static void init(const char* catalogName, const char* localeName);
 
     /// Sets the text to the identifier's translation in the current catalogue, or to the
     /// identifier when it has none. The first call chooses the suite's own catalogue.

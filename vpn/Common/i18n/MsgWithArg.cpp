@@ -112,25 +112,35 @@ std::string InsertArguments(const std::string& message, const std::vector<std::s
 
 }  // namespace
 
-MsgWithArg::MsgWithArg(std::string messageId) : m_messageId(std::move(messageId)) {}
-
-MsgWithArg::MsgWithArg(std::string messageId, std::string catalog)
-    : m_catalog(std::move(catalog)), m_messageId(std::move(messageId)) {}
-
-void MsgWithArg::setMessageId(const std::string& messageId) {
-    m_messageId = messageId;
+MsgWithArg::MsgWithArg(const std::string& messageId) {
+    setMessageId(messageId);
 }
 
-void MsgWithArg::setCatalog(const std::string& catalog) {
+MsgWithArg::MsgWithArg(const std::string& messageId, const std::string& catalog) {
+    setMessageId(messageId);
+    setCatalog(catalog);
+}
+
+void MsgWithArg::setMessageId(const std::string& messageId) try {
+    m_messageId = messageId;
+} catch (const std::exception& error) {
+    TK_LOG_ERROR("Caught message catalog exception - %s", error.what());
+}
+
+void MsgWithArg::setCatalog(const std::string& catalog) try {
     m_catalog = catalog;
+} catch (const std::exception& error) {
+    TK_LOG_ERROR("Caught message catalog exception - %s", error.what());
 }
 
 void MsgWithArg::addArg(const std::string& argument) {
-    m_arguments.push_back(argument);
+    addArg(argument.c_str());
 }
 
-void MsgWithArg::addArg(const char* argument) {
+void MsgWithArg::addArg(const char* argument) try {
     m_arguments.emplace_back(argument != nullptr ? argument : "");
+} catch (const std::exception& error) {
+    TK_LOG_ERROR("Caught message catalog exception - %s", error.what());
 }
 
 bool MsgWithArg::isEmpty() const {

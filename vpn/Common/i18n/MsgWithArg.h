@@ -4,12 +4,12 @@
 #include <vector>
 
 /// A message with string arguments, put together in the user's language only when it is rendered.
-/// Thread-unsafe.
+/// Nothing is thrown: what there is no memory for is logged and left as it was. Thread-unsafe.
 class MsgWithArg {
 public:
     MsgWithArg() = default;
-    explicit MsgWithArg(std::string messageId);
-    MsgWithArg(std::string messageId, std::string catalog);
+    explicit MsgWithArg(const std::string& messageId);
+    MsgWithArg(const std::string& messageId, const std::string& catalog);
     virtual ~MsgWithArg() = default;
 
     void setMessageId(const std::string& messageId);
