@@ -31,6 +31,7 @@ TEST(JSONIPCClientFault, ReportsAThreadThatCannotStart) {
     EXPECT_THAT(log.Lines(), ElementsAre("E Caught io service thread exception - "
                                          "boost::thread_resource_error: Resource temporarily "
                                          "unavailable"));
+    EXPECT_THAT(log.Functions(), ElementsAre("CJsonIpcClient"));
 }
 
 /// Makes and ends a client while the system call is refused, in a process of its own, and tells
@@ -47,8 +48,9 @@ TEST(JSONIPCClientFault, ReportsAThreadThatCannotStart) {
         (void)log.WaitForRecords(records);
     }
     std::cerr << std::hex << result << '\n';
-    for (const std::string& line : log.Lines()) {
-        std::cerr << line << '\n';
+    const std::vector<std::string> lines = log.Lines();
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        std::cerr << log.Functions()[i] << ": " << lines[i] << '\n';
     }
     std::cerr << since.All().size() << " descriptors left open\n";
     std::exit(EXIT_SUCCESS);
@@ -57,19 +59,20 @@ TEST(JSONIPCClientFault, ReportsAThreadThatCannotStart) {
 TEST(JSONIPCClientFaultDeathTest, ReportsASocketThatCannotBeOpened) {
     EXPECT_EXIT(TellOfClientWithout(SYS_socket, 3), ExitedWithCode(EXIT_SUCCESS),
                 StrEq("fed8000c\n"
-                      "E Failed to open TCP socket - open: Too many open files\n"
-                      "E Failed to sent 'BROWSER_RESULT' message to server "
+                      "CJsonIpcClient: E Failed to open TCP socket - open: Too many open files\n"
+                      "handleSent: E Failed to sent 'BROWSER_RESULT' message to server "
                       "[9-Bad file descriptor]\n"
-                      "T OnIpcSendError 0\n"
-                      "I Successfully stopped io service thread\n"
+                      "record: T OnIpcSendError 0\n"
+                      "~CJsonIpcClient: I Successfully stopped io service thread\n"
                       "0 descriptors left open\n"));
 }
 
 TEST(JSONIPCClientFaultDeathTest, ReportsAnIoServiceThatCannotBeMade) {
-    EXPECT_EXIT(TellOfClientWithout(SYS_epoll_create1, 1), ExitedWithCode(EXIT_SUCCESS),
-                StrEq("fed8000a\n"
-                      "E Caught io service thread exception - epoll: Too many open files\n"
-                      "0 descriptors left open\n"));
+    EXPECT_EXIT(
+        TellOfClientWithout(SYS_epoll_create1, 1), ExitedWithCode(EXIT_SUCCESS),
+        StrEq("fed8000a\n"
+              "CJsonIpcClient: E Caught io service thread exception - epoll: Too many open files\n"
+              "0 descriptors left open\n"));
 }
 
 }  // namespace

@@ -192,6 +192,16 @@ TEST_F(JsonIpcFrameReader, ForgetsAHalfReadMessageWhenARunIsTooLong) {
     ExpectReadyForAHeader();
 }
 
+TEST_F(JsonIpcFrameReader, NamesTheFunctionThatAdministratorsKnow) {
+    for (const std::string& refused :
+         {std::string(2049, 'x'), std::string(8, '\0'), Header(1, ""), Header(0, kLength2049)}) {
+        EXPECT_EQ(Process(refused).outcome, JsonIpcFrameStep::Outcome::refusal);
+    }
+    EXPECT_EQ(Process(Header(0, "\x05")).nextSize, 5U);
+    EXPECT_EQ(Process("four").outcome, JsonIpcFrameStep::Outcome::refusal);
+    EXPECT_EQ(m_log.Functions(), std::vector<std::string>(5, "processReceivedData"));
+}
+
 TEST_F(JsonIpcFrameReader, PointsIntoTheBytesGiven) {
     EXPECT_EQ(Process(Header(0, "\x02")).nextSize, 2U);
     const std::string payload = "ab";

@@ -14,17 +14,18 @@
 #include <boost/asio/write.hpp>
 #include <boost/chrono/duration.hpp>
 #include <boost/date_time/posix_time/posix_time_duration.hpp>
+#include <boost/thread/thread.hpp>
 #include <cassert>
 #include <cerrno>
-#include <deque>
 #include <exception>
 #include <new>
+#include <optional>
 #include <utility>
-#include <vector>
 
 #include "AppLog.h"
 #include "JsonIpcFrame.h"
 #include "JsonIpcFrameReader.h"
+#include "JsonIpcSendQueue.h"
 #include "StartGate.h"
 
 using boost::asio::ip::tcp;
@@ -37,6 +38,10 @@ constexpr const char* kServerAddress = "127.0.0.1";
 constexpr long kConnectTimeoutSeconds = 10;
 constexpr long kSendTimeoutSeconds = 1;
 constexpr long kJoinTimeoutSeconds = 1;
+
+// Whose records the steps of the start and of the end are.
+constexpr const char* kConstructor = "CJsonIpcClient";
+constexpr const char* kDestructor = "~CJsonIpcClient";
 
 // The engine starts child processes at any moment: no descriptor may be without the flag, not
 // even between two calls, so the socket is not opened by Asio.
@@ -71,49 +76,38 @@ bool IsConnectedToItself(const tcp::socket& socket) {
     return socket.local_endpoint(ignored) == socket.remote_endpoint(ignored);
 }
 
-// An operation that came to its end before it was cancelled, but not to its goal, was cancelled.
-error_code AbortedUnless(bool complete, const error_code& error) {
-    return error || complete ? error : error_code(boost::asio::error::operation_aborted);
+// A short read without an error was stopped by us.
+error_code AbortedUnless(bool isComplete, const error_code& error) {
+    return error || isComplete ? error : error_code(boost::asio::error::operation_aborted);
 }
 
 }  // namespace
 
-/// One message on its way out. Lives until its write and its timer are done with it.
-struct CJsonIpcClient::Send {
-    Send(boost::asio::io_service& ioService, std::uint32_t id, const std::string& payload)
-        : messageId(id), frame(EncodeFrame(id, payload)), timer(ioService) {}
-
-    const std::uint32_t messageId;
-    const std::vector<char> frame;
-    boost::asio::deadline_timer timer;
-    bool timerArmed = false;
-    bool timedOut = false;
-    bool cancelled = false;
-};
-
 /// What the I/O thread works on. Its handlers hold no reference to it, since it owns them.
 struct CJsonIpcClient::Connection {
+    enum class Phase {
+        unconnected,  ///< no attempt has been made
+        connecting,   ///< the connect timer runs, and messages wait
+        reading,      ///< the connection stands, and a read is under way
+        stalled,      ///< it stands, but is read no more: a refusal or a failed send
+        over,         ///< the owner has been told of the end
+    };
+
     CStartGate gate;
     boost::asio::io_service ioService;
     boost::asio::executor_work_guard<boost::asio::io_service::executor_type> work{
         ioService.get_executor()};
     tcp::socket socket{ioService};
-    boost::asio::deadline_timer connectTimer{ioService};
-    bool connectTimerArmed = false;
     tcp::endpoint endpoint;
+    Phase phase = Phase::unconnected;
+    boost::asio::deadline_timer connectTimer{ioService};
 
     std::array<char, kMaximumPayloadLength> buffer{};
     CJsonIpcFrameReader reader{kMaximumPayloadLength};
 
-    bool connecting = false;
-    bool established = false;
-    bool endReported = false;
-    bool readCancelled = false;
-    /// A frame was written in part: whatever followed, the peer would take it for the rest.
-    bool frameCut = false;
-    /// Messages are written one after the other, since two writes at once would mix their bytes.
-    std::deque<std::shared_ptr<Send>> waitingSends;
-    std::shared_ptr<Send> currentSend;
+    CJsonIpcSendQueue sends;
+    /// Of the message that is being written: each has a new one.
+    std::optional<boost::asio::deadline_timer> sendTimer;
 
     [[nodiscard]] bool onIoThread() { return ioService.get_executor().running_in_this_thread(); }
 };
@@ -152,21 +146,22 @@ bool CJsonIpcClient::createConnection() {
         m_connection = std::make_shared<Connection>();
         return true;
     } catch (const std::exception& error) {
-        TK_LOG_ERROR("Caught io service thread exception - %s", error.what());
+        TK_LOG_ERROR_OF(kConstructor, "Caught io service thread exception - %s", error.what());
         return false;
     }
 }
 
 bool CJsonIpcClient::startIoServiceThread() {
-    if (m_ioThread.joinable()) {
-        TK_LOG_ERROR("Thread is already running");
+    if (m_ioThread != nullptr && m_ioThread->joinable()) {
+        TK_LOG_ERROR_OF(kConstructor, "Thread is already running");
         return true;
     }
     try {
-        m_ioThread = boost::thread(&CJsonIpcClient::ioServiceThread, this, m_connection);
+        m_ioThread =
+            std::make_unique<boost::thread>(&CJsonIpcClient::ioServiceThread, this, m_connection);
         return true;
     } catch (const std::exception& error) {
-        TK_LOG_ERROR("Caught io service thread exception - %s", error.what());
+        TK_LOG_ERROR_OF(kConstructor, "Caught io service thread exception - %s", error.what());
         return false;
     }
 }
@@ -177,7 +172,7 @@ bool CJsonIpcClient::openSocket() {
         SendWithoutDelay(m_connection->socket);
         return true;
     } catch (const std::exception& error) {
-        TK_LOG_ERROR("Failed to open TCP socket - %s", error.what());
+        TK_LOG_ERROR_OF(kConstructor, "Failed to open TCP socket - %s", error.what());
         return false;
     }
 }
@@ -187,7 +182,7 @@ bool CJsonIpcClient::startConnecting() {
         initIpc();
         return true;
     } catch (const std::exception& error) {
-        TK_LOG_ERROR("Failed to start IPC connection - %s", error.what());
+        TK_LOG_ERROR_OF(kConstructor, "Failed to start IPC connection - %s", error.what());
         return false;
     }
 }
@@ -201,30 +196,29 @@ void CJsonIpcClient::openGate() {
 }
 
 void CJsonIpcClient::shutdown() {
-    if (m_isShutDown || m_connection == nullptr) {
+    if (m_connection == nullptr || m_connection->ioService.stopped()) {
         return;
     }
-    m_isShutDown = true;
     m_connection->ioService.stop();
     openGate();
-    if (m_ioThread.joinable()) {
+    if (m_ioThread != nullptr && m_ioThread->joinable()) {
         joinIoThread();
     }
 }
 
 void CJsonIpcClient::joinIoThread() {
     try {
-        if (m_ioThread.try_join_for(boost::chrono::seconds(kJoinTimeoutSeconds))) {
-            TK_LOG_INFORMATION("Successfully stopped io service thread");
+        if (m_ioThread->try_join_for(boost::chrono::seconds(kJoinTimeoutSeconds))) {
+            TK_LOG_INFORMATION_OF(kDestructor, "Successfully stopped io service thread");
             return;
         }
-        TK_LOG_ERROR("Failed to stop io service thread");
+        TK_LOG_ERROR_OF(kDestructor, "Failed to stop io service thread");
     } catch (const std::exception& error) {
         // A callback destroys the object: the I/O thread cannot wait for itself.
-        TK_LOG_ERROR("Caught io service thread exception - %s", error.what());
+        TK_LOG_ERROR_OF(kDestructor, "Caught io service thread exception - %s", error.what());
     }
     // The thread keeps what it works on, and touches this object no more once it looks up.
-    m_ioThread.detach();
+    m_ioThread->detach();
 }
 
 void CJsonIpcClient::ioServiceThread(const std::shared_ptr<Connection>& connection) {
@@ -248,19 +242,15 @@ void CJsonIpcClient::reportEndOfThread() {
     try {
         reportEnd();
     } catch (const std::exception& error) {
-        TK_LOG_ERROR("Caught io service thread exception - %s", error.what());
+        TK_LOG_ERROR_OF("ioServiceThread", "Caught io service thread exception - %s", error.what());
     }
 }
 
 void CJsonIpcClient::reportEnd() {
-    Connection& connection = *m_connection;
-    if (connection.endReported) {
-        return;
-    }
-    connection.endReported = true;
-    if (connection.established) {
+    const auto phase = std::exchange(m_connection->phase, Connection::Phase::over);
+    if (phase == Connection::Phase::reading || phase == Connection::Phase::stalled) {
         OnIpcReceiveError();
-    } else {
+    } else if (phase != Connection::Phase::over) {
         OnIpcConnectError();
     }
 }
@@ -273,11 +263,7 @@ void CJsonIpcClient::initIpc() {
     connection.connectTimer.expires_from_now(boost::posix_time::seconds(kConnectTimeoutSeconds));
     connection.connectTimer.async_wait(
         [this](const error_code& error) { handleConnectTimeout(error); });
-    connection.connectTimerArmed = true;
-    connection.connecting = true;
-    connection.established = false;
-    connection.endReported = false;
-    connection.readCancelled = false;
+    connection.phase = Connection::Phase::connecting;
     connection.socket.async_connect(
         connection.endpoint, [this, &connection](const error_code& error) {
             const bool toItself = !error && IsConnectedToItself(connection.socket);
@@ -288,8 +274,9 @@ void CJsonIpcClient::initIpc() {
 void CJsonIpcClient::handleConnectTimeout(const error_code& error) {
     Connection& connection = *m_connection;
     assert(connection.onIoThread());
-    // A timer that fires while the connect completes cannot be cancelled any more: the flag tells.
-    if (error == boost::asio::error::operation_aborted || !connection.connectTimerArmed) {
+    // A timer that fires while the connect completes cannot be cancelled any more.
+    if (error == boost::asio::error::operation_aborted ||
+        connection.phase != Connection::Phase::connecting) {
         return;
     }
     TK_LOG_ERROR("IPC connect timed out");
@@ -299,11 +286,7 @@ void CJsonIpcClient::handleConnectTimeout(const error_code& error) {
 void CJsonIpcClient::handleConnect(const error_code& error) {
     Connection& connection = *m_connection;
     assert(connection.onIoThread());
-    if (connection.connectTimerArmed) {
-        connection.connectTimer.cancel();
-        connection.connectTimerArmed = false;
-    }
-    connection.connecting = false;
+    connection.connectTimer.cancel();
     if (error) {
         TK_LOG_ERROR("IPC connect error [%d-%s]", error.value(), error.message().c_str());
         reportEnd();
@@ -313,7 +296,7 @@ void CJsonIpcClient::handleConnect(const error_code& error) {
         return;
     }
     TK_LOG_INFORMATION("IPC connection established");
-    connection.established = true;
+    connection.phase = Connection::Phase::reading;
     startReceive(kFrameHeaderSize);
     startNextSend();
 }
@@ -323,7 +306,8 @@ void CJsonIpcClient::startReceive(std::size_t size) {
     boost::asio::async_read(
         connection.socket, boost::asio::buffer(connection.buffer, size),
         [&connection, size](const error_code& error, std::size_t received) {
-            return error || connection.readCancelled ? 0 : size - received;
+            const bool isWanted = connection.phase == Connection::Phase::reading;
+            return error || !isWanted ? 0 : size - received;
         },
         [this, size](const error_code& error, std::size_t received) {
             handleReceived(AbortedUnless(received == size, error), received);
@@ -375,65 +359,64 @@ bool CJsonIpcClient::postMessage(std::uint32_t messageId, const std::string& pay
     if (connection == nullptr) {
         return true;
     }
-    auto send = std::make_shared<Send>(connection->ioService, messageId, payload);
+    auto send = std::make_shared<CJsonIpcSend>(messageId, payload);
     boost::asio::post(connection->ioService, [this, send = std::move(send)] {
-        m_connection->waitingSends.push_back(send);
+        m_connection->sends.Add(send);
         startNextSend();
     });
     return true;
 } catch (const std::bad_alloc& error) {
-    TK_LOG_ERROR("Failed to sent '%s' message to server [%d-%s]", MessageName(messageId), ENOMEM,
-                 error.what());
+    TK_LOG_ERROR_OF("sendMessage", "Failed to sent '%s' message to server [%d-%s]",
+                    MessageName(messageId), ENOMEM, error.what());
     return false;
 }
 
 void CJsonIpcClient::startNextSend() {
     Connection& connection = *m_connection;
     assert(connection.onIoThread());
-    if (connection.connecting || connection.currentSend != nullptr ||
-        connection.waitingSends.empty()) {
+    if (connection.phase == Connection::Phase::connecting) {
         return;
     }
-    const std::shared_ptr<Send> send = connection.waitingSends.front();
-    connection.waitingSends.pop_front();
-    if (connection.frameCut) {
+    const Send send = connection.sends.Start();
+    if (send == nullptr) {
+        return;
+    }
+    if (connection.sends.IsCut()) {
         finishSendLater(send, boost::asio::error::broken_pipe);
         return;
     }
-    connection.currentSend = send;
     armSendTimer(send);
     startWrite(send);
 }
 
-void CJsonIpcClient::armSendTimer(const std::shared_ptr<Send>& send) {
-    send->timer.expires_from_now(boost::posix_time::seconds(kSendTimeoutSeconds));
-    send->timer.async_wait(
+void CJsonIpcClient::armSendTimer(const Send& send) {
+    Connection& connection = *m_connection;
+    connection.sendTimer.emplace(connection.ioService,
+                                 boost::posix_time::seconds(kSendTimeoutSeconds));
+    connection.sendTimer->async_wait(
         [this, send](const error_code& error) { handleSendTimeout(error, send); });
-    send->timerArmed = true;
 }
 
-void CJsonIpcClient::startWrite(const std::shared_ptr<Send>& send) {
-    const std::size_t size = send->frame.size();
+void CJsonIpcClient::startWrite(const Send& send) {
     boost::asio::async_write(
-        m_connection->socket, boost::asio::buffer(send->frame),
-        [send, size](const error_code& error, std::size_t written) {
-            return error || send->cancelled ? 0 : size - written;
+        m_connection->socket, boost::asio::buffer(send->Frame()),
+        [send](const error_code& error, std::size_t written) {
+            return error ? 0 : send->BytesLeft(written);
         },
-        [this, send, size](const error_code& error, std::size_t written) {
-            handleSent(AbortedUnless(written == size && !send->timedOut, error), written, send);
+        [this, send](const error_code& error, std::size_t written) {
+            handleSent(error, written, send);
         });
 }
 
-void CJsonIpcClient::handleSendTimeout(const error_code& error, const std::shared_ptr<Send>& send) {
-    assert(m_connection->onIoThread());
-    // A timer that fires while the write completes cannot be cancelled any more: the mark tells.
-    if (error == boost::asio::error::operation_aborted || !send->timerArmed) {
+void CJsonIpcClient::handleSendTimeout(const error_code& error, const Send& send) {
+    Connection& connection = *m_connection;
+    assert(connection.onIoThread());
+    // A timer that fires while the write completes cannot be cancelled any more.
+    if (error == boost::asio::error::operation_aborted || !CJsonIpcSendQueue::OnTimeout(*send)) {
         return;
     }
-    Connection& connection = *m_connection;
-    send->timedOut = true;
-    TK_LOG_ERROR("Timed out sending message '%s'", MessageName(send->messageId));
-    OnIpcSendError(send->messageId);
+    TK_LOG_ERROR("Timed out sending message '%s'", MessageName(send->MessageId()));
+    OnIpcSendError(send->MessageId());
     if (!connection.ioService.stopped()) {
         // The write now ends as aborted and is reported once more: deliberate, and the layer
         // above expects it.
@@ -441,24 +424,20 @@ void CJsonIpcClient::handleSendTimeout(const error_code& error, const std::share
     }
 }
 
-void CJsonIpcClient::handleSent(const error_code& error, std::size_t bytesTransferred,
-                                const std::shared_ptr<Send>& send) {
+void CJsonIpcClient::handleSent(const error_code& writeError, std::size_t bytesTransferred,
+                                const Send& send) {
     Connection& connection = *m_connection;
     assert(connection.onIoThread());
-    if (send->timerArmed) {
-        send->timer.cancel();
-        send->timerArmed = false;
+    const error_code error = connection.sends.OnWritten(send, bytesTransferred, writeError);
+    if (!connection.sends.IsWriting()) {
+        connection.sendTimer.reset();
     }
-    if (connection.currentSend == send) {
-        connection.currentSend.reset();
-    }
-    if (!error) {
-        OnIpcSendComplete(send->messageId);
+    if (error) {
+        TK_LOG_ERROR("Failed to sent '%s' message to server [%d-%s]",
+                     MessageName(send->MessageId()), error.value(), error.message().c_str());
+        OnIpcSendError(send->MessageId());
     } else {
-        connection.frameCut |= bytesTransferred != 0 && bytesTransferred != send->frame.size();
-        TK_LOG_ERROR("Failed to sent '%s' message to server [%d-%s]", MessageName(send->messageId),
-                     error.value(), error.message().c_str());
-        OnIpcSendError(send->messageId);
+        OnIpcSendComplete(send->MessageId());
     }
     if (connection.ioService.stopped()) {
         return;
@@ -469,21 +448,20 @@ void CJsonIpcClient::handleSent(const error_code& error, std::size_t bytesTransf
     startNextSend();
 }
 
-void CJsonIpcClient::finishSendLater(const std::shared_ptr<Send>& send, const error_code& error) {
+void CJsonIpcClient::finishSendLater(const Send& send, const error_code& error) {
     boost::asio::post(m_connection->ioService, [this, send, error] { handleSent(error, 0, send); });
 }
 
 void CJsonIpcClient::cancelPendingOperations() {
     Connection& connection = *m_connection;
     assert(connection.onIoThread());
-    connection.readCancelled = true;
-    if (connection.currentSend != nullptr) {
-        connection.currentSend->cancelled = true;
+    if (connection.phase == Connection::Phase::reading) {
+        connection.phase = Connection::Phase::stalled;
     }
+    const auto waitingSends = connection.sends.Cancel();
     error_code ignored;
     connection.socket.cancel(ignored);
-    for (const std::shared_ptr<Send>& send : connection.waitingSends) {
+    for (const Send& send : waitingSends) {
         finishSendLater(send, boost::asio::error::operation_aborted);
     }
-    connection.waitingSends.clear();
 }

@@ -1,13 +1,20 @@
 #pragma once
 
-#include <boost/system/error_code.hpp>
-#include <boost/thread/thread.hpp>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
 
 #include "ResultCodes.h"
+
+namespace boost {
+class thread;
+}  // namespace boost
+namespace boost::system {
+class error_code;
+}  // namespace boost::system
+
+class CJsonIpcSend;
 
 /// The framed TCP link to the agent on 127.0.0.1, with an I/O thread of its own.
 ///
@@ -69,7 +76,7 @@ protected:
 
 private:
     struct Connection;
-    struct Send;
+    using Send = std::shared_ptr<CJsonIpcSend>;
 
     void ioServiceThread(const std::shared_ptr<Connection>& connection);
 
@@ -92,19 +99,18 @@ private:
     [[nodiscard]] std::size_t processReceivedData(std::size_t bytesTransferred);
 
     void startNextSend();
-    void armSendTimer(const std::shared_ptr<Send>& send);
-    void startWrite(const std::shared_ptr<Send>& send);
-    void handleSendTimeout(const boost::system::error_code& error,
-                           const std::shared_ptr<Send>& send);
+    void armSendTimer(const Send& send);
+    void startWrite(const Send& send);
+    void handleSendTimeout(const boost::system::error_code& error, const Send& send);
     void handleSent(const boost::system::error_code& error, std::size_t bytesTransferred,
-                    const std::shared_ptr<Send>& send);
-    void finishSendLater(const std::shared_ptr<Send>& send, const boost::system::error_code& error);
+                    const Send& send);
+    void finishSendLater(const Send& send, const boost::system::error_code& error);
 
     void cancelPendingOperations();
 
     /// Shared with the I/O thread's function, so that it outlives whichever of the two ends first.
     /// Null when the I/O service could not be made.
     std::shared_ptr<Connection> m_connection;
-    boost::thread m_ioThread;
-    bool m_isShutDown = false;
+    /// Null until it is started.
+    std::unique_ptr<boost::thread> m_ioThread;
 };

@@ -6,6 +6,9 @@
 
 namespace {
 
+// Whose records these are.
+constexpr char kFunction[] = "processReceivedData";
+
 constexpr JsonIpcFrameStep kRefusal{JsonIpcFrameStep::Outcome::refusal, kNoMessageId, nullptr, 0,
                                     0};
 
@@ -25,8 +28,9 @@ CJsonIpcFrameReader::CJsonIpcFrameReader(std::size_t maximumPayloadLength)
 JsonIpcFrameStep CJsonIpcFrameReader::ProcessReceivedData(const char* bytes, std::size_t count) {
     JsonIpcFrameStep step = kRefusal;
     if (count > m_maximumPayloadLength) {
-        TK_LOG_ERROR("Length of received data (%zu) exceeds maximum buffer length (%zu)", count,
-                     m_maximumPayloadLength);
+        TK_LOG_ERROR_OF(kFunction,
+                        "Length of received data (%zu) exceeds maximum buffer length (%zu)", count,
+                        m_maximumPayloadLength);
     } else if (m_expectedLength != 0) {
         step = takePayload(bytes, count);
     } else {
@@ -40,7 +44,8 @@ JsonIpcFrameStep CJsonIpcFrameReader::ProcessReceivedData(const char* bytes, std
 
 JsonIpcFrameStep CJsonIpcFrameReader::takePayload(const char* bytes, std::size_t count) const {
     if (count != m_expectedLength) {
-        TK_LOG_ERROR("Received data size is %zu, expected %zu", count, m_expectedLength);
+        TK_LOG_ERROR_OF(kFunction, "Received data size is %zu, expected %zu", count,
+                        m_expectedLength);
         return kRefusal;
     }
     return Message(m_messageId, bytes, count);
@@ -48,21 +53,23 @@ JsonIpcFrameStep CJsonIpcFrameReader::takePayload(const char* bytes, std::size_t
 
 JsonIpcFrameStep CJsonIpcFrameReader::takeHeader(const char* bytes, std::size_t count) {
     if (count != kFrameHeaderSize) {
-        TK_LOG_ERROR("Received data size is %zu, expected %zu", count, kFrameHeaderSize);
+        TK_LOG_ERROR_OF(kFunction, "Received data size is %zu, expected %zu", count,
+                        kFrameHeaderSize);
         return kRefusal;
     }
     const JsonIpcFrameHeader header = DecodeFrameHeader(bytes);
     if (header.messageId > kHighestMessageId) {
-        TK_LOG_ERROR("Received invalid message id %u, expected within range 0-%u", header.messageId,
-                     kHighestMessageId);
+        TK_LOG_ERROR_OF(kFunction, "Received invalid message id %u, expected within range 0-%u",
+                        header.messageId, kHighestMessageId);
         return kRefusal;
     }
     if (header.payloadLength == 0) {
         return Message(header.messageId, nullptr, 0);
     }
     if (header.payloadLength > m_maximumPayloadLength) {
-        TK_LOG_ERROR("Size of additional data (%" PRIu64 ") exceeds maximum buffer length (%zu)",
-                     header.payloadLength, m_maximumPayloadLength);
+        TK_LOG_ERROR_OF(kFunction,
+                        "Size of additional data (%" PRIu64 ") exceeds maximum buffer length (%zu)",
+                        header.payloadLength, m_maximumPayloadLength);
         return kRefusal;
     }
     m_messageId = header.messageId;
