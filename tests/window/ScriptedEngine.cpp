@@ -2,8 +2,6 @@
 
 #include <libsoup/soup.h>
 
-#include <algorithm>
-
 ScriptedEngine& ScriptedEngine::Instance() {
     static ScriptedEngine engine;
     return engine;
@@ -32,12 +30,6 @@ void ScriptedEngine::TellLoadFailed(GQuark domain, int code) {
     g_error_free(error);
 }
 
-void ScriptedEngine::TellTlsFailed() {
-    gboolean handled = FALSE;
-    g_signal_emit_by_name(m_view, "load-failed-with-tls-errors", m_uri.c_str(), nullptr,
-                          G_TLS_CERTIFICATE_EXPIRED, &handled);
-}
-
 void ScriptedEngine::TellResourceStarted(const std::string& uri) {
     g_clear_object(&m_resource);
     m_resource = WEBKIT_WEB_RESOURCE(g_object_new(WEBKIT_TYPE_WEB_RESOURCE, nullptr));
@@ -61,32 +53,11 @@ void ScriptedEngine::TellCookiesChanged() {
     g_signal_emit_by_name(m_cookieManager, "changed");
 }
 
-void ScriptedEngine::TellProcessTerminated() {
-    g_signal_emit_by_name(m_view, "web-process-terminated", WEBKIT_WEB_PROCESS_CRASHED);
-}
-
-void ScriptedEngine::AnswerQuery(const std::optional<Cookies>& cookies) {
+void ScriptedEngine::AnswerQuery(const Cookies& cookies) {
     m_answer = cookies;
     const Query query = m_queries.front();
     m_queries.pop_front();
     query.callback(G_OBJECT(query.manager), nullptr, query.data);
-}
-
-bool ScriptedEngine::IsTimeoutArmed() {
-    m_timeouts.erase(
-        std::remove_if(
-            m_timeouts.begin(), m_timeouts.end(),
-            [](guint id) { return g_main_context_find_source_by_id(nullptr, id) == nullptr; }),
-        m_timeouts.end());
-    return !m_timeouts.empty();
-}
-
-void ScriptedEngine::FireTimeout() {
-    const guint id = m_timeouts.front();
-    g_source_set_ready_time(g_main_context_find_source_by_id(nullptr, id), 0);
-    while (g_main_context_find_source_by_id(nullptr, id) != nullptr) {
-        g_main_context_iteration(nullptr, TRUE);
-    }
 }
 
 /// What the engine's functions do here.
@@ -115,25 +86,13 @@ struct ScriptedEngineFunctions {
         Engine().m_cookieManager = manager;
     }
 
-    static GList* FinishQuery(GError** error) {
-        if (!Engine().m_answer) {
-            g_set_error_literal(error, G_IO_ERROR, G_IO_ERROR_FAILED, "a failure");
-            return nullptr;
-        }
+    static GList* FinishQuery() {
         GList* list = nullptr;
-        for (const auto& [name, value] : *Engine().m_answer) {
+        for (const auto& [name, value] : Engine().m_answer) {
             list = g_list_append(
                 list, soup_cookie_new(name.c_str(), value.c_str(), "127.0.0.1", "/", -1));
         }
         return list;
-    }
-
-    static guint AddTimeout(GSourceFunc function, gpointer data) {
-        // It comes when a test says so, not by the clock.
-        constexpr guint kNeverSeconds = 100'000;
-        const guint id = g_timeout_add_seconds(kNeverSeconds, function, data);
-        Engine().m_timeouts.push_back(id);
-        return id;
     }
 };
 
@@ -199,17 +158,13 @@ void webkit_cookie_manager_get_all_cookies(WebKitCookieManager* manager,
 }
 
 GList* webkit_cookie_manager_get_cookies_finish(WebKitCookieManager* /*manager*/,
-                                                GAsyncResult* /*result*/, GError** error) {
-    return ScriptedEngineFunctions::FinishQuery(error);
+                                                GAsyncResult* /*result*/, GError** /*error*/) {
+    return ScriptedEngineFunctions::FinishQuery();
 }
 
 GList* webkit_cookie_manager_get_all_cookies_finish(WebKitCookieManager* /*manager*/,
-                                                    GAsyncResult* /*result*/, GError** error) {
-    return ScriptedEngineFunctions::FinishQuery(error);
-}
-
-guint gdk_threads_add_timeout_seconds(guint /*interval*/, GSourceFunc function, gpointer data) {
-    return ScriptedEngineFunctions::AddTimeout(function, data);
+                                                    GAsyncResult* /*result*/, GError** /*error*/) {
+    return ScriptedEngineFunctions::FinishQuery();
 }
 
 }  // extern "C"

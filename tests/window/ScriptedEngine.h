@@ -4,7 +4,6 @@
 #include <webkit2/webkit2.h>
 
 #include <deque>
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -31,7 +30,6 @@ public:
     // What the window has asked for.
     [[nodiscard]] const std::vector<std::string>& Loads() const { return m_loads; }
     [[nodiscard]] std::size_t UnansweredQueries() const { return m_queries.size(); }
-    [[nodiscard]] bool IsTimeoutArmed();
 
     // What the view shows when asked.
     void SetUri(const std::string& uri) { m_uri = uri; }
@@ -40,17 +38,13 @@ public:
     // What the view is told. Each runs the window's handlers before it returns.
     void TellLoadChanged(WebKitLoadEvent event, guint status = 200);
     void TellLoadFailed(GQuark domain, int code);
-    void TellTlsFailed();
     void TellResourceStarted(const std::string& uri);
     void TellResponse(const Response& response);
     /// Announces a response that is not there.
     void TellNoResponse();
     void TellCookiesChanged();
-    void TellProcessTerminated();
-    /// Answers the oldest query: with these cookies, or with an error.
-    void AnswerQuery(const std::optional<Cookies>& cookies);
-    /// Lets the timeout come that was armed first and has not been taken away.
-    void FireTimeout();
+    /// Answers the oldest query with these cookies.
+    void AnswerQuery(const Cookies& cookies);
 
 private:
     friend struct ScriptedEngineFunctions;
@@ -70,6 +64,5 @@ private:
     bool m_loading = false;
     std::vector<std::string> m_loads;
     std::deque<Query> m_queries;
-    std::optional<Cookies> m_answer;
-    std::vector<guint> m_timeouts;
+    Cookies m_answer;
 };

@@ -171,6 +171,7 @@ TEST_F(WindowConstructionTest, BrowsesWithoutADataDirectory) {
     Open();
     EXPECT_THAT(LogLines(),
                 Contains("W Unable to create data directory " + DataDirectory().string() + "/"));
+    EXPECT_THAT(m_log.Functions(), Contains("init").Times(2));  // the catalogue's, too
     VisitPageThatSetsCookies();
     EXPECT_EQ(CookiesSentTo("/same"), "kept=1; gone=1");
     EXPECT_THAT(Results(), ElementsAre("success", "success"));

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "GObjectPtr.h"
 #include "GtkBrowserWindow.h"
 #include "HttpServer.h"
 #include "InstanceSmartPtr.h"

@@ -19,6 +19,8 @@ void WhileWindowIsMade(std::function<void()> event) {
     whileMade = std::move(event);
 }
 
+struct GtkBrowserWindow::MainThreadParts {};
+
 GtkBrowserWindow::GtkBrowserWindow(GtkApplication* /*application*/, ResultHandler resultHandler)
     : m_resultHandler(std::move(resultHandler)) {
     whileMade();
@@ -27,19 +29,10 @@ GtkBrowserWindow::GtkBrowserWindow(GtkApplication* /*application*/, ResultHandle
 GtkBrowserWindow::~GtkBrowserWindow() = default;
 
 void GtkBrowserWindow::HandleOperation(const CBrowserOperation& operation) {
-    m_resultSent = false;
-    StandInLoop::Current().Post([this, operation] { carryOut(operation); });
-}
-
-void GtkBrowserWindow::carryOut(const CBrowserOperation& operation) {
-    m_finalUrl = operation.GetUrl();
-    CBrowserResult result(BrowserResultType::success_with_cookie, m_finalUrl);
-    SendResult(result, true);
-}
-
-void GtkBrowserWindow::SendResult(CBrowserResult& result, bool resultSentAfter) {
-    m_resultHandler(result);
-    m_resultSent = resultSentAfter;
+    StandInLoop::Current().Post([this, url = std::string(operation.GetUrl())] {
+        CBrowserResult result(BrowserResultType::success_with_cookie, url);
+        m_resultHandler(result);
+    });
 }
 
 // The controller calls none of these.
@@ -56,13 +49,6 @@ void GtkBrowserWindow::Hide() {
     std::abort();
 }
 void GtkBrowserWindow::ResetBrowser() {
-    std::abort();
-}
-
-// The parts of a window, which a stand-in never has.
-CPageGuard::~CPageGuard() = default;
-COperationLoad::~COperationLoad() = default;
-void webkit_script_dialog_unref(WebKitScriptDialog* /*dialog*/) {
     std::abort();
 }
 

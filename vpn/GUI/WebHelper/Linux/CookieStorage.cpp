@@ -24,7 +24,7 @@ std::string DataDirectory() {
 void KeepCookiesInHome(WebKitCookieManager* manager) {
     const std::string directory = DataDirectory();
     if (!MakeDirectoryPath(directory.c_str())) {
-        TK_LOG_WARNING("Unable to create data directory %s", directory.c_str());
+        TK_LOG_WARNING_OF("init", "Unable to create data directory %s", directory.c_str());
         return;
     }
     const std::string file = directory + kCookieFile;

@@ -2,23 +2,31 @@
 
 #include <libsoup/soup.h>
 
+#include <cassert>
 #include <memory>
 
 #include "AppLog.h"
 #include "GObjectPtr.h"
+#include "MainThread.h"
 #include "WebKitSymbolResolver.h"
 
 namespace {
 
+struct SoupCookieFree {
+    void operator()(SoupCookie* cookie) const { soup_cookie_free(cookie); }
+};
+
+void onCookieListItem(gpointer item, gpointer cookies) {
+    const std::unique_ptr<SoupCookie, SoupCookieFree> cookie(static_cast<SoupCookie*>(item));
+    static_cast<std::vector<StoredCookie>*>(cookies)->push_back(
+        {soup_cookie_get_name(cookie.get()), soup_cookie_get_value(cookie.get()),
+         soup_cookie_get_domain(cookie.get()), soup_cookie_get_path(cookie.get())});
+}
+
 std::vector<StoredCookie> TakeCookies(GList* list) {
     std::vector<StoredCookie> cookies;
-    for (const GList* item = list; item != nullptr; item = item->next) {
-        auto* const cookie = static_cast<SoupCookie*>(item->data);
-        cookies.push_back({soup_cookie_get_name(cookie), soup_cookie_get_value(cookie),
-                           soup_cookie_get_domain(cookie), soup_cookie_get_path(cookie)});
-    }
-    g_list_free_full(list,
-                     [](gpointer cookie) { soup_cookie_free(static_cast<SoupCookie*>(cookie)); });
+    g_list_foreach(list, onCookieListItem, &cookies);
+    g_list_free(list);
     return cookies;
 }
 
@@ -36,6 +44,7 @@ std::unique_ptr<CCookieStore::Query> CCookieStore::makeQuery(
 }
 
 void CCookieStore::getCookiesAsyncReadyCB(GObject* manager, GAsyncResult* result, gpointer query) {
+    assert(IsMainThread());
     const std::unique_ptr<Query> answered(static_cast<Query*>(query));
     GError* rawError = nullptr;
     GList* const list = answered->finish(WEBKIT_COOKIE_MANAGER(manager), result, &rawError);
@@ -54,12 +63,14 @@ bool CCookieStore::CanBeAsked() {
 }
 
 void CCookieStore::QueryFor(const std::string& uri, Answer answer) const {
+    assert(IsMainThread());
     const CWebKitSymbolResolver& resolver = CWebKitSymbolResolver::GetInstance();
     resolver.getCookies(m_manager, uri.c_str(), nullptr, getCookiesAsyncReadyCB,
                         makeQuery(std::move(answer), resolver.getCookiesFinish).release());
 }
 
 void CCookieStore::QueryAll(const std::string& uri, Answer answer) const {
+    assert(IsMainThread());
     const CWebKitSymbolResolver& resolver = CWebKitSymbolResolver::GetInstance();
     if (resolver.getAllCookies == nullptr || resolver.getAllCookiesFinish == nullptr) {
         QueryFor(uri, std::move(answer));

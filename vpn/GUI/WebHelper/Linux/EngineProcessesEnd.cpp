@@ -2,12 +2,15 @@
 
 #include <sys/types.h>
 
+#include <cassert>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <string>
 #include <system_error>
 #include <vector>
+
+#include "MainThread.h"
 
 namespace {
 
@@ -58,6 +61,7 @@ void End(pid_t process) {
 }  // namespace
 
 CEngineProcessesEnd::~CEngineProcessesEnd() {
+    assert(IsMainThread());
     for (const pid_t child : Children()) {
         End(child);
     }

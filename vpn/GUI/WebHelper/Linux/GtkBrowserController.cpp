@@ -1,14 +1,16 @@
 #include "GtkBrowserController.h"
 
-#include <functional>
+#include <cassert>
 
 #include "AppLog.h"
 #include "ApplicationEnd.h"
 #include "BrowserIPCClient.h"
+#include "MainThread.h"
 
 GtkBrowserController::GtkBrowserController(GtkApplication* application, std::uint16_t port,
                                            bool& ok)
     : m_application(GTK_APPLICATION(g_object_ref(application))) {
+    assert(IsMainThread());
     ok = registerBrowserIpcClient(port);
     if (!ok) {
         return;
@@ -21,6 +23,7 @@ GtkBrowserController::GtkBrowserController(GtkApplication* application, std::uin
 }
 
 GtkBrowserController::~GtkBrowserController() {
+    assert(IsMainThread());
     // The client goes first: when it is given back, no callback can reach the window any more.
     if (m_ipcClient != nullptr) {
         UnregisterBrowserIpcClient(m_ipcClient);
@@ -80,6 +83,7 @@ void GtkBrowserController::OnIpcReceiveError() {
 }
 
 void GtkBrowserController::HandleResult(CBrowserResult& result) {
+    assert(IsMainThread());
     const ResultCode code = m_ipcClient->SendBrowserResult(result);
     if (code != kSuccess) {
         TK_LOG_FAILED_CALL("IBrowserIpcClient::SendBrowserResult", code);

@@ -1,21 +1,28 @@
 #include "GtkBrowserWindow.h"
 
 #include <libsoup/soup.h>
+#include <webkit2/webkit2.h>
 
 #include <algorithm>
+#include <cassert>
 #include <limits>
+#include <optional>
+#include <utility>
 
 #include "Accelerators.h"
 #include "AppLog.h"
 #include "BuiltInMessages.h"
-#include "CookieHeader.h"
 #include "CookieStorage.h"
+#include "CookieStore.h"
+#include "GObjectPtr.h"
+#include "IPageOperationPort.h"
 #include "InstallRoot.h"
 #include "MainLoopSource.h"
+#include "MainThread.h"
 #include "MsgCatalog.h"
-#include "PageOutcome.h"
+#include "PageGuard.h"
+#include "PageOperation.h"
 #include "TlsErrorText.h"
-#include "UriHost.h"
 #include "UserAgent.h"
 
 namespace {
@@ -49,6 +56,37 @@ const char* TerminationText(WebKitWebProcessTerminationReason reason) {
     }
 }
 
+std::string TextOf(const char* text) {
+    return text != nullptr ? text : "";
+}
+
+// Empty for a view without a page.
+std::string UriOf(WebKitWebView* webView) {
+    return TextOf(webkit_web_view_get_uri(webView));
+}
+
+// 0 for a page that came without an answer.
+guint StatusOfPage(WebKitWebView* webView) {
+    WebKitWebResource* const resource = webkit_web_view_get_main_resource(webView);
+    WebKitURIResponse* const response =
+        resource != nullptr ? webkit_web_resource_get_response(resource) : nullptr;
+    return response != nullptr ? webkit_uri_response_get_status_code(response) : 0;
+}
+
+// With the newer API the engine cancels some of the loads whose certificate it refuses, where it
+// should tell of the certificate. It cancels no load for another reason, nor without TLS.
+bool IsCancelledByEngine(const GError* error, const char* uri) {
+    return SOUP_MAJOR_VERSION >= 3 && g_str_has_prefix(uri, "https:") != FALSE &&
+           g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED) != FALSE;
+}
+
+std::optional<std::string> SetCookieOf(WebKitURIResponse* response) {
+    SoupMessageHeaders* const headers = webkit_uri_response_get_http_headers(response);
+    const char* const header =
+        headers != nullptr ? soup_message_headers_get_one(headers, "Set-Cookie") : nullptr;
+    return header != nullptr ? std::make_optional<std::string>(header) : std::nullopt;
+}
+
 }  // namespace
 
 struct GtkBrowserWindow::QueuedOperation {
@@ -56,55 +94,242 @@ struct GtkBrowserWindow::QueuedOperation {
     CBrowserOperation operation;
 };
 
+class GtkBrowserWindow::OperationPort final : public IPageOperationPort {
+public:
+    explicit OperationPort(GtkBrowserWindow& window) : m_window(window) {}
+
+    void Load(const std::string& url) override;
+    void EndProcess() override;
+    [[nodiscard]] bool CanQueryCookies() const override { return CCookieStore::CanBeAsked(); }
+    void QueryCookies(const CookieQuery& query) override { m_window.queryCookies(query); }
+    [[nodiscard]] bool IsResultSent() const override { return m_window.m_resultSent; }
+    void SendResult(BrowserResultType type, const std::string& cookieValue) override {
+        CBrowserResult result(type, cookieValue);
+        m_window.SendResult(result, true);
+    }
+
+private:
+    GtkBrowserWindow& m_window;
+};
+
+struct GtkBrowserWindow::MainThreadParts {
+    explicit MainThreadParts(GtkBrowserWindow& browser) : port(browser), operation(port) {}
+
+    GObjectPtr<GtkWidget> window;
+    GObjectPtr<WebKitWebView> webView;
+    GObjectPtr<WebKitWebContext> webContext;
+    WebKitCookieManager* cookieManager = nullptr;
+    std::optional<CCookieStore> cookieStore;
+    GObjectPtr<GtkAccelGroup> acceleratorGroup;
+    std::unique_ptr<CPageGuard> pageGuard;
+    OperationPort port;
+    CPageOperation operation;
+    guint timeoutSource = 0;
+    guint loadStoppedSource = 0;
+};
+
+void GtkBrowserWindow::OperationPort::Load(const std::string& url) {
+    webkit_web_view_load_uri(m_window.m_parts->webView.get(), url.c_str());
+}
+
+void GtkBrowserWindow::OperationPort::EndProcess() {
+    webkit_web_view_terminate_web_process(m_window.m_parts->webView.get());
+}
+
+struct GtkBrowserWindow::Callbacks {
+    static CPageOperation& OperationOf(gpointer browser) {
+        return static_cast<GtkBrowserWindow*>(browser)->m_parts->operation;
+    }
+
+    static void onReadyToShow(WebKitWebView* webView, GtkBrowserWindow* self) {
+        WebKitWindowProperties* const properties = webkit_web_view_get_window_properties(webView);
+        GdkRectangle geometry;
+        webkit_window_properties_get_geometry(properties, &geometry);
+        GtkWindow* const window = GTK_WINDOW(self->m_parts->window.get());
+        if (geometry.x >= 0 && geometry.y >= 0) {
+            gtk_window_move(window, geometry.x, geometry.y);
+        }
+        if (geometry.width > 0 && geometry.height > 0) {
+            gtk_window_resize(window, geometry.width, geometry.height);
+        }
+        if (!webkit_window_properties_get_resizable(properties)) {
+            gtk_window_set_resizable(window, FALSE);
+        }
+    }
+
+    static gboolean onContextMenu() { return TRUE; }
+
+    static void webViewLoadChangedCB(WebKitWebView* webView, WebKitLoadEvent event,
+                                     GtkBrowserWindow* self) {
+        CPageOperation& operation = OperationOf(self);
+        switch (event) {
+            case WEBKIT_LOAD_STARTED:
+                webkit_web_view_set_zoom_level(webView, 1.0);
+                operation.OnLoadStarted();
+                break;
+            case WEBKIT_LOAD_COMMITTED:
+                operation.OnPageCommitted(StatusOfPage(webView), UriOf(webView));
+                break;
+            case WEBKIT_LOAD_FINISHED:
+                operation.OnPageFinished(UriOf(webView));
+                break;
+            default:
+                break;
+        }
+    }
+
+    static gboolean webViewLoadFailedCB(WebKitWebView* /*webView*/, WebKitLoadEvent /*event*/,
+                                        const char* failingUri, GError* error,
+                                        GtkBrowserWindow* self) {
+        const bool isHandled = OperationOf(self).OnLoadFailed(
+            {error->code, IsCancelledByEngine(error, failingUri), error->message, failingUri});
+        return isHandled ? TRUE : FALSE;
+    }
+
+    static gboolean webViewLoadFailedWithTLSErrorsCB(WebKitWebView* /*webView*/,
+                                                     const char* /*failingUri*/,
+                                                     GTlsCertificate* /*certificate*/,
+                                                     GTlsCertificateFlags errors,
+                                                     GtkBrowserWindow* self) {
+        OperationOf(self).OnCertificateRefused(TlsErrorsToText(errors));
+        return TRUE;
+    }
+
+    // The engine can stop a load without a word of how it ended. An end that is told comes right
+    // behind this.
+    static void isLoadingChangedCB(WebKitWebView* webView, GParamSpec* /*property*/,
+                                   GtkBrowserWindow* self) {
+        RemoveSource(self->m_parts->loadStoppedSource);
+        if (webkit_web_view_is_loading(webView) == FALSE) {
+            self->m_parts->loadStoppedSource = g_idle_add(onLoadStopped, self);
+        }
+    }
+
+    static gboolean onLoadStopped(gpointer self) {
+        static_cast<GtkBrowserWindow*>(self)->m_parts->loadStoppedSource = 0;
+        OperationOf(self).OnLoadStopped();
+        return G_SOURCE_REMOVE;
+    }
+
+    static void responsivenessChangedCB(WebKitWebView* webView, GParamSpec* /*property*/,
+                                        GtkBrowserWindow* self) {
+        OperationOf(self).OnResponsiveness(webkit_web_view_get_is_web_process_responsive(webView) !=
+                                           FALSE);
+    }
+
+    static void webProcessTerminatedCB(WebKitWebView* webView,
+                                       WebKitWebProcessTerminationReason reason,
+                                       GtkBrowserWindow* self) {
+        TK_LOG_ERROR("The web process %s, URI = %s", TerminationText(reason),
+                     UriOf(webView).c_str());
+        OperationOf(self).OnProcessEnded();
+    }
+
+    static void cookiesChangedCB(WebKitCookieManager* /*manager*/, GtkBrowserWindow* self) {
+        OperationOf(self).OnCookiesChanged();
+    }
+
+    static void onResourceLoadStarted(WebKitWebView* /*webView*/, WebKitWebResource* resource,
+                                      WebKitURIRequest* request, GtkBrowserWindow* self) {
+        if (OperationOf(self).OnRequest(TextOf(webkit_uri_request_get_uri(request)))) {
+            g_signal_connect(resource, "notify::response", G_CALLBACK(onResourceResponse), self);
+        }
+    }
+
+    static void onResourceResponse(WebKitWebResource* resource, GParamSpec* /*property*/,
+                                   GtkBrowserWindow* self) {
+        WebKitURIResponse* const response = webkit_web_resource_get_response(resource);
+        if (response != nullptr) {
+            OperationOf(self).OnResponse({webkit_uri_response_get_status_code(response),
+                                          TextOf(webkit_uri_response_get_mime_type(response)),
+                                          TextOf(webkit_uri_response_get_uri(response)),
+                                          SetCookieOf(response)});
+        }
+    }
+
+    static gboolean onDecidePolicy(WebKitWebView* webView, WebKitPolicyDecision* decision,
+                                   WebKitPolicyDecisionType type, GtkBrowserWindow* /*self*/) {
+        if (type != WEBKIT_POLICY_DECISION_TYPE_NEW_WINDOW_ACTION) {
+            return FALSE;
+        }
+        WebKitNavigationAction* const action =
+            webkit_navigation_policy_decision_get_navigation_action(
+                WEBKIT_NAVIGATION_POLICY_DECISION(decision));
+        if (webkit_navigation_action_get_navigation_type(action) !=
+                WEBKIT_NAVIGATION_TYPE_LINK_CLICKED &&
+            webkit_navigation_action_get_mouse_button(action) != kMiddleButton) {
+            return FALSE;
+        }
+        // No second window is ever made: what would open one is loaded in this view.
+        webkit_web_view_load_request(webView, webkit_navigation_action_get_request(action));
+        webkit_policy_decision_ignore(decision);
+        return TRUE;
+    }
+
+    static gboolean onLoadTimeout(gpointer self) {
+        OperationOf(self).OnTimeout();
+        return G_SOURCE_REMOVE;
+    }
+
+    static gboolean onDeleteEvent(GtkWidget* /*widget*/, GdkEvent* /*event*/,
+                                  GtkBrowserWindow* self) {
+        OperationOf(self).OnWindowClosed();
+        return TRUE;
+    }
+};
+
 GtkBrowserWindow::GtkBrowserWindow(GtkApplication* application, ResultHandler resultHandler)
-    : m_resultHandler(std::move(resultHandler)) {
+    : m_resultHandler(std::move(resultHandler)), m_parts(std::make_unique<MainThreadParts>(*this)) {
+    assert(IsMainThread());
     init(application);
     initWebView();
 }
 
 GtkBrowserWindow::~GtkBrowserWindow() {
-    RemoveSource(m_timeoutSource);
-    g_signal_handlers_disconnect_by_data(m_webView.get(), this);
-    g_signal_handlers_disconnect_by_data(m_window.get(), this);
-    g_signal_handlers_disconnect_by_data(m_cookieManager, this);
+    assert(IsMainThread());
+    RemoveSource(m_parts->timeoutSource);
+    RemoveSource(m_parts->loadStoppedSource);
+    g_signal_handlers_disconnect_by_data(m_parts->webView.get(), this);
+    g_signal_handlers_disconnect_by_data(m_parts->window.get(), this);
+    g_signal_handlers_disconnect_by_data(m_parts->cookieManager, this);
 }
 
 void GtkBrowserWindow::init(GtkApplication* application) {
-    m_window.reset(GTK_WIDGET(g_object_ref(gtk_application_window_new(application))));
-    GtkWindow* const window = GTK_WINDOW(m_window.get());
+    m_parts->window.reset(GTK_WIDGET(g_object_ref(gtk_application_window_new(application))));
+    GtkWindow* const window = GTK_WINDOW(m_parts->window.get());
     gtk_window_set_title(window, MsgCatalog::getMessage(kLoginWindowTitle.c_str()).c_str());
     gtk_window_set_default_size(window, kWindowWidth, kWindowHeight);
     SetWindowIcon(window);
-    m_acceleratorGroup.reset(gtk_accel_group_new());
-    gtk_window_add_accel_group(window, m_acceleratorGroup.get());
-    ConnectAccelerators(m_acceleratorGroup.get());
-    g_signal_connect(m_window.get(), "delete-event", G_CALLBACK(onDeleteEvent), this);
-    m_webContext.reset(webkit_web_context_new());
+    m_parts->acceleratorGroup.reset(gtk_accel_group_new());
+    gtk_window_add_accel_group(window, m_parts->acceleratorGroup.get());
+    ConnectAccelerators(m_parts->acceleratorGroup.get());
+    g_signal_connect(window, "delete-event", G_CALLBACK(Callbacks::onDeleteEvent), this);
+    m_parts->webContext.reset(webkit_web_context_new());
     // Newer engines choose their processes themselves and call this deprecated; older ones obey.
     G_GNUC_BEGIN_IGNORE_DEPRECATIONS
-    webkit_web_context_set_process_model(m_webContext.get(),
+    webkit_web_context_set_process_model(m_parts->webContext.get(),
                                          WEBKIT_PROCESS_MODEL_SHARED_SECONDARY_PROCESS);
     G_GNUC_END_IGNORE_DEPRECATIONS
-    RefuseDownloads(m_webContext.get());
-    m_cookieManager = webkit_web_context_get_cookie_manager(m_webContext.get());
-    g_signal_connect(m_cookieManager, "changed", G_CALLBACK(cookiesChangedCB), this);
-    m_cookieStore.emplace(m_cookieManager);
-    KeepCookiesInHome(m_cookieManager);
+    RefuseDownloads(m_parts->webContext.get());
+    WebKitCookieManager* const manager =
+        webkit_web_context_get_cookie_manager(m_parts->webContext.get());
+    m_parts->cookieManager = manager;
+    g_signal_connect(manager, "changed", G_CALLBACK(Callbacks::cookiesChangedCB), this);
+    m_parts->cookieStore.emplace(manager);
+    KeepCookiesInHome(manager);
 }
 
 void GtkBrowserWindow::initWebView() {
-    GtkWidget* const widget = webkit_web_view_new_with_context(m_webContext.get());
-    m_webView.reset(WEBKIT_WEB_VIEW(g_object_ref_sink(widget)));
+    GtkWidget* const widget = webkit_web_view_new_with_context(m_parts->webContext.get());
+    m_parts->webView.reset(WEBKIT_WEB_VIEW(g_object_ref_sink(widget)));
     connectWebViewSignals();
-    m_pageGuard = std::make_unique<CPageGuard>(m_webView.get());
-    m_load = std::make_unique<COperationLoad>(
-        m_webView.get(), [this] { sendFinalResult(BrowserResultType::error_unknown); });
+    m_parts->pageGuard = std::make_unique<CPageGuard>(m_parts->webView.get());
     gtk_drag_dest_unset(widget);
-    gtk_container_add(GTK_CONTAINER(m_window.get()), widget);
-    GtkWindow* const window = GTK_WINDOW(m_window.get());
+    GtkWindow* const window = GTK_WINDOW(m_parts->window.get());
+    gtk_container_add(GTK_CONTAINER(window), widget);
     gtk_window_set_position(window, GTK_WIN_POS_CENTER);
     gtk_window_resize(window, kWindowWidth, kWindowHeight);
-    WebKitSettings* const settings = webkit_web_view_get_settings(m_webView.get());
+    WebKitSettings* const settings = webkit_web_view_get_settings(m_parts->webView.get());
     g_object_set(settings, "enable-plugins", FALSE, "enable-java", FALSE, nullptr);
     // A sign-in page needs no graphics processor, and a broken driver would leave it blank.
     webkit_settings_set_hardware_acceleration_policy(settings,
@@ -116,38 +341,30 @@ void GtkBrowserWindow::connectWebViewSignals() {
         const char* signal;
         GCallback handler;
     } handlers[] = {
-        {"ready-to-show", G_CALLBACK(onReadyToShow)},
-        {"load-failed-with-tls-errors", G_CALLBACK(webViewLoadFailedWithTLSErrorsCB)},
-        {"load-changed", G_CALLBACK(webViewLoadChangedCB)},
-        {"load-failed", G_CALLBACK(webViewLoadFailedCB)},
-        {"context-menu", G_CALLBACK(onContextMenu)},
-        {"resource-load-started", G_CALLBACK(onResourceLoadStarted)},
-        {"decide-policy", G_CALLBACK(onDecidePolicy)},
-        {"web-process-terminated", G_CALLBACK(webProcessTerminatedCB)},
+        {"ready-to-show", G_CALLBACK(Callbacks::onReadyToShow)},
+        {"load-failed-with-tls-errors", G_CALLBACK(Callbacks::webViewLoadFailedWithTLSErrorsCB)},
+        {"load-changed", G_CALLBACK(Callbacks::webViewLoadChangedCB)},
+        {"load-failed", G_CALLBACK(Callbacks::webViewLoadFailedCB)},
+        {"context-menu", G_CALLBACK(Callbacks::onContextMenu)},
+        {"resource-load-started", G_CALLBACK(Callbacks::onResourceLoadStarted)},
+        {"decide-policy", G_CALLBACK(Callbacks::onDecidePolicy)},
+        {"web-process-terminated", G_CALLBACK(Callbacks::webProcessTerminatedCB)},
+        {"notify::is-loading", G_CALLBACK(Callbacks::isLoadingChangedCB)},
+        {"notify::is-web-process-responsive", G_CALLBACK(Callbacks::responsivenessChangedCB)},
     };
     for (const auto& [signal, handler] : handlers) {
-        g_signal_connect(m_webView.get(), signal, handler, this);
+        g_signal_connect(m_parts->webView.get(), signal, handler, this);
     }
 }
 
-void GtkBrowserWindow::onReadyToShow(WebKitWebView* webView, GtkBrowserWindow* self) {
-    WebKitWindowProperties* const properties = webkit_web_view_get_window_properties(webView);
-    GdkRectangle geometry;
-    webkit_window_properties_get_geometry(properties, &geometry);
-    GtkWindow* const window = GTK_WINDOW(self->m_window.get());
-    if (geometry.x >= 0 && geometry.y >= 0) {
-        gtk_window_move(window, geometry.x, geometry.y);
-    }
-    if (geometry.width > 0 && geometry.height > 0) {
-        gtk_window_resize(window, geometry.width, geometry.height);
-    }
-    if (!webkit_window_properties_get_resizable(properties)) {
-        gtk_window_set_resizable(window, FALSE);
-    }
-}
-
-gboolean GtkBrowserWindow::onContextMenu() {
-    return TRUE;
+void GtkBrowserWindow::removeWebView() {
+    webkit_web_view_stop_loading(m_parts->webView.get());
+    g_signal_handlers_disconnect_by_data(m_parts->webView.get(), this);
+    RemoveSource(m_parts->loadStoppedSource);
+    m_parts->pageGuard.reset();
+    m_parts->operation.OnViewReplaced();
+    gtk_container_remove(GTK_CONTAINER(m_parts->window.get()), GTK_WIDGET(m_parts->webView.get()));
+    m_parts->webView.reset();
 }
 
 void GtkBrowserWindow::HandleOperation(const CBrowserOperation& operation) {
@@ -180,7 +397,7 @@ void GtkBrowserWindow::carryOut(const CBrowserOperation& operation) {
             ResetBrowser();
             return;
         default:
-            LogMessage("handleOperationCB", __FILE__, __LINE__, 'E', "Invalid browser operation.");
+            TK_LOG_ERROR_OF("handleOperationCB", "Invalid browser operation.");
             return;
     }
     if (operation.GetShow()) {
@@ -191,20 +408,15 @@ void GtkBrowserWindow::carryOut(const CBrowserOperation& operation) {
 void GtkBrowserWindow::LoadPage(const std::string& url, const std::string& finalUrl,
                                 const std::string& cookieName, const std::string& errorCookieName,
                                 const std::string& userAgent, std::uint32_t timeout) {
-    m_load->Prepare(url);
-    m_finalUrl = finalUrl;
-    m_cookieMode = !cookieName.empty();
-    m_cookieName = cookieName;
-    m_errorCookieName = errorCookieName;
-    ++m_operationNumber;
+    assert(IsMainThread());
     if (!userAgent.empty()) {
         updateUserAgent(userAgent);
     }
-    beginCookieWatch();
+    m_parts->operation.Begin(url, finalUrl, {cookieName, errorCookieName});
     if (timeout != 0) {
         // An earlier timeout is overwritten and still fires: it ends whatever runs then.
-        m_timeoutSource =
-            gdk_threads_add_timeout_seconds(LongestTimeoutAtMost(timeout), onLoadTimeout, this);
+        m_parts->timeoutSource = gdk_threads_add_timeout_seconds(LongestTimeoutAtMost(timeout),
+                                                                 Callbacks::onLoadTimeout, this);
     }
 }
 
@@ -215,313 +427,49 @@ void GtkBrowserWindow::updateUserAgent(const std::string& userAgent) {
         return;
     }
     webkit_settings_set_user_agent_with_application_details(
-        webkit_web_view_get_settings(m_webView.get()), parts->applicationName.c_str(),
+        webkit_web_view_get_settings(m_parts->webView.get()), parts->applicationName.c_str(),
         parts->applicationVersion.c_str());
 }
 
 void GtkBrowserWindow::Show() {
-    gtk_widget_show_all(m_window.get());
-    gtk_widget_grab_focus(GTK_WIDGET(m_webView.get()));
+    assert(IsMainThread());
+    gtk_widget_show_all(m_parts->window.get());
+    gtk_widget_grab_focus(GTK_WIDGET(m_parts->webView.get()));
 }
 
 void GtkBrowserWindow::Hide() {
-    gtk_widget_hide(m_window.get());
+    assert(IsMainThread());
+    gtk_widget_hide(m_parts->window.get());
 }
 
 void GtkBrowserWindow::ResetBrowser() {
-    webkit_web_view_stop_loading(m_webView.get());
-    g_signal_handlers_disconnect_by_data(m_webView.get(), this);
-    m_pageGuard.reset();
-    m_load.reset();
-    gtk_container_remove(GTK_CONTAINER(m_window.get()), GTK_WIDGET(m_webView.get()));
-    m_webView.reset();
+    assert(IsMainThread());
+    removeWebView();
     m_resultSent = false;
     initWebView();
     CBrowserResult ready(BrowserResultType::ready, "");
     SendResult(ready, false);
 }
 
+void GtkBrowserWindow::queryCookies(const CookieQuery& query) {
+    const auto answer = [this, query](const auto& cookies) {
+        m_parts->operation.OnCookies(query, cookies);
+    };
+    if (query.purpose == CookieQuery::Purpose::baseline) {
+        m_parts->cookieStore->QueryAll(query.uri, answer);
+    } else {
+        m_parts->cookieStore->QueryFor(query.uri, answer);
+    }
+}
+
 void GtkBrowserWindow::SendResult(CBrowserResult& result, bool resultSentAfter) {
-    RemoveSource(m_timeoutSource);
+    RemoveSource(m_parts->timeoutSource);
     // The flag has its new value before the handler is called: an agent may answer a result with
     // its next operation at once, and that operation's clearing must come last.
     if (m_resultSent.exchange(resultSentAfter)) {
         return;
     }
-    // Answers to cookie queries that are still on their way are nobody's from here on.
-    ++m_operationNumber;
-    m_cookieWatch.End();
-    m_load->OnResult();
+    m_parts->operation.OnResult();
     m_resultHandler(result);
     Hide();
-}
-
-void GtkBrowserWindow::sendFinalResult(BrowserResultType type, const std::string& cookieValue) {
-    CBrowserResult result(type, cookieValue);
-    SendResult(result, true);
-}
-
-void GtkBrowserWindow::webViewLoadChangedCB(WebKitWebView* /*webView*/, WebKitLoadEvent event,
-                                            GtkBrowserWindow* self) {
-    if (event == WEBKIT_LOAD_STARTED) {
-        self->loadStarted();
-        return;
-    }
-    // A load that replaces another first brings the other's end, which already bears the new URI.
-    if (self->m_load->IsToCome() || event == WEBKIT_LOAD_REDIRECTED) {
-        return;
-    }
-    self->m_load->OnAnswered();
-    if (event == WEBKIT_LOAD_COMMITTED) {
-        self->pageCommitted();
-    } else {
-        self->pageFinished();
-    }
-}
-
-void GtkBrowserWindow::loadStarted() {
-    webkit_web_view_set_zoom_level(m_webView.get(), 1.0);
-    m_load->OnStarted();
-}
-
-void GtkBrowserWindow::pageCommitted() {
-    WebKitWebResource* const resource = webkit_web_view_get_main_resource(m_webView.get());
-    WebKitURIResponse* const response =
-        resource != nullptr ? webkit_web_resource_get_response(resource) : nullptr;
-    const guint status = response != nullptr ? webkit_uri_response_get_status_code(response) : 0;
-    if (IsHttpError(status)) {
-        LogMessage("webViewLoadChangedCB", __FILE__, __LINE__, 'E',
-                   "HTTP ERROR CODE = %u, URL = %s", status,
-                   webkit_web_view_get_uri(m_webView.get()));
-        sendFinalResult(BrowserResultType::error_navi);
-    }
-}
-
-void GtkBrowserWindow::pageFinished() {
-    const char* const uri = webkit_web_view_get_uri(m_webView.get());
-    if (!IsFinalUrl(uri, m_finalUrl) || m_resultSent) {
-        return;
-    }
-    if (m_cookieMode) {
-        queryCookies(uri);
-    } else {
-        sendFinalResult(BrowserResultType::success);
-    }
-}
-
-void GtkBrowserWindow::queryCookies(const char* uri) {
-    if (!CCookieStore::CanBeAsked()) {
-        sendFinalResult(BrowserResultType::error_cookie);
-        return;
-    }
-    m_cookieStore->QueryFor(uri, [this, operation = m_operationNumber](const auto& cookies) {
-        if (operation == m_operationNumber && cookies) {
-            decideByCookies(*cookies);
-        }
-    });
-}
-
-void GtkBrowserWindow::decideByCookies(const std::vector<StoredCookie>& cookies) {
-    // Without any cookie the operation stays open on purpose: the sign-in may still be going on.
-    if (cookies.empty()) {
-        return;
-    }
-    // The first match ends the walk. The flag would not do: the agent's next operation, on its way
-    // as soon as the result is out, clears it.
-    for (const StoredCookie& cookie : cookies) {
-        if (onCookieListItem(cookie)) {
-            return;
-        }
-    }
-    LogMessage("getCookiesAsyncReadyCB", __FILE__, __LINE__, 'E',
-               "Unable to get cookie from cookie manager.");
-    sendFinalResult(BrowserResultType::error_cookie);
-}
-
-bool GtkBrowserWindow::onCookieListItem(const StoredCookie& cookie) {
-    if (cookie.value.empty()) {
-        return false;
-    }
-    if (cookie.name == m_cookieName) {
-        sendFinalResult(BrowserResultType::success_with_cookie, cookie.value);
-        return true;
-    }
-    if (cookie.name == m_errorCookieName) {
-        sendFinalResult(BrowserResultType::error_cookie, cookie.value);
-        return true;
-    }
-    return false;
-}
-
-void GtkBrowserWindow::beginCookieWatch() {
-    m_cookieWatch.Begin(m_cookieName, m_errorCookieName);
-    if (!m_cookieMode || !CCookieStore::CanBeAsked()) {
-        m_load->Ask();
-        return;
-    }
-    // The load waits for the answer: a quick page's cookie would otherwise stand in the store
-    // before it, and be taken for one that had always been there.
-    m_cookieStore->QueryAll(m_finalUrl, [this, operation = m_operationNumber](auto cookies) {
-        if (operation != m_operationNumber) {
-            return;
-        }
-        if (cookies) {
-            m_cookieWatch.SetBaseline(std::move(*cookies));
-        }
-        m_load->Ask();
-    });
-}
-
-void GtkBrowserWindow::askCookieStore() {
-    const std::optional<std::string> uri = m_cookieWatch.TakeQuery();
-    if (!uri) {
-        return;
-    }
-    m_cookieStore->QueryFor(*uri, [this, operation = m_operationNumber](const auto& cookies) {
-        if (operation == m_operationNumber && cookies) {
-            decideByStoredCookies(*cookies);
-        } else {
-            m_cookieWatch.OnNoAnswer();
-        }
-        askCookieStore();
-    });
-}
-
-void GtkBrowserWindow::decideByStoredCookies(const std::vector<StoredCookie>& cookies) {
-    const std::optional<FoundCookie> found = m_cookieWatch.OnAnswer(cookies);
-    if (found) {
-        sendFinalResult(found->kind == FoundCookie::Kind::cookie
-                            ? BrowserResultType::success_with_cookie
-                            : BrowserResultType::error_cookie,
-                        found->value);
-    }
-}
-
-void GtkBrowserWindow::cookiesChangedCB(WebKitCookieManager* /*manager*/, GtkBrowserWindow* self) {
-    self->m_cookieWatch.OnCookiesChanged();
-    self->askCookieStore();
-}
-
-void GtkBrowserWindow::onResourceLoadStarted(WebKitWebView* /*webView*/,
-                                             WebKitWebResource* resource, WebKitURIRequest* request,
-                                             GtkBrowserWindow* self) {
-    if (!self->m_cookieMode) {
-        return;
-    }
-    self->m_cookieWatch.OnResourceStarted();
-    if (HaveEqualHosts(webkit_uri_request_get_uri(request), self->m_finalUrl.c_str())) {
-        g_signal_connect(resource, "notify::response", G_CALLBACK(onResourceResponse), self);
-    }
-}
-
-void GtkBrowserWindow::onResourceResponse(WebKitWebResource* resource, GParamSpec* /*property*/,
-                                          GtkBrowserWindow* self) {
-    WebKitURIResponse* const response = webkit_web_resource_get_response(resource);
-    if (self->m_load->IsToCome() || response == nullptr ||
-        !IsCookieBearingResponse(webkit_uri_response_get_status_code(response),
-                                 webkit_uri_response_get_mime_type(response))) {
-        return;
-    }
-    SoupMessageHeaders* const headers = webkit_uri_response_get_http_headers(response);
-    const char* const header =
-        headers != nullptr ? soup_message_headers_get_one(headers, "Set-Cookie") : nullptr;
-    if (header != nullptr) {
-        self->decideByHeader(header);
-        return;
-    }
-    // Today's engines hide the header. What it did to the store still shows.
-    self->m_cookieWatch.OnResponse(webkit_uri_response_get_uri(response));
-    self->askCookieStore();
-}
-
-void GtkBrowserWindow::decideByHeader(const char* header) {
-    const std::string value = ExtractCookieValue(header, m_cookieName);
-    if (!value.empty()) {
-        sendFinalResult(BrowserResultType::success_with_cookie, value);
-        return;
-    }
-    const std::string errorValue = ExtractCookieValue(header, m_errorCookieName);
-    if (!errorValue.empty()) {
-        sendFinalResult(BrowserResultType::error_cookie, errorValue);
-    }
-}
-
-gboolean GtkBrowserWindow::webViewLoadFailedCB(WebKitWebView* /*webView*/,
-                                               WebKitLoadEvent /*event*/, const char* failingUri,
-                                               GError* error, GtkBrowserWindow* self) {
-    if (IsNetworkProcessLoss(error->code)) {
-        // The engine tells of no cookie that changes in the new process.
-        self->m_cookieWatch.OnChangesUntold();
-    }
-    const LoadFailure failure = ClassifyLoadFailure(error->code);
-    if (failure == LoadFailure::cancelled) {
-        return FALSE;
-    }
-    if (self->m_load->IsToCome()) {
-        return TRUE;
-    }
-    if (g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED) != FALSE &&
-        self->m_load->OnCancelledByEngine()) {
-        return TRUE;
-    }
-    self->m_load->OnAnswered();
-    TK_LOG_ERROR("Failed to load page: %s, URI = %s", error->message, failingUri);
-    if (failure == LoadFailure::failed) {
-        self->sendFinalResult(BrowserResultType::error_unknown);
-    }
-    return TRUE;
-}
-
-gboolean GtkBrowserWindow::webViewLoadFailedWithTLSErrorsCB(WebKitWebView* /*webView*/,
-                                                            const char* /*failingUri*/,
-                                                            GTlsCertificate* /*certificate*/,
-                                                            GTlsCertificateFlags errors,
-                                                            GtkBrowserWindow* self) {
-    if (!self->m_load->IsToCome()) {
-        self->m_load->OnAnswered();
-        TK_LOG_ERROR("Failed to load page: %s", TlsErrorsToText(errors).c_str());
-        self->sendFinalResult(BrowserResultType::error_cert);
-    }
-    return TRUE;
-}
-
-void GtkBrowserWindow::webProcessTerminatedCB(WebKitWebView* webView,
-                                              WebKitWebProcessTerminationReason reason,
-                                              GtkBrowserWindow* self) {
-    const char* const uri = webkit_web_view_get_uri(webView);
-    TK_LOG_ERROR("The web process %s, URI = %s", TerminationText(reason),
-                 uri != nullptr ? uri : "");
-    if (!self->m_load->OutlivesProcess()) {
-        self->sendFinalResult(BrowserResultType::error_unknown);
-    }
-}
-
-gboolean GtkBrowserWindow::onDecidePolicy(WebKitWebView* webView, WebKitPolicyDecision* decision,
-                                          WebKitPolicyDecisionType type,
-                                          GtkBrowserWindow* /*self*/) {
-    if (type != WEBKIT_POLICY_DECISION_TYPE_NEW_WINDOW_ACTION) {
-        return FALSE;
-    }
-    WebKitNavigationAction* const action = webkit_navigation_policy_decision_get_navigation_action(
-        WEBKIT_NAVIGATION_POLICY_DECISION(decision));
-    if (webkit_navigation_action_get_navigation_type(action) !=
-            WEBKIT_NAVIGATION_TYPE_LINK_CLICKED &&
-        webkit_navigation_action_get_mouse_button(action) != kMiddleButton) {
-        return FALSE;
-    }
-    // No second window is ever made: what would open one is loaded in this view.
-    webkit_web_view_load_request(webView, webkit_navigation_action_get_request(action));
-    webkit_policy_decision_ignore(decision);
-    return TRUE;
-}
-
-gboolean GtkBrowserWindow::onLoadTimeout(gpointer self) {
-    static_cast<GtkBrowserWindow*>(self)->sendFinalResult(BrowserResultType::error_timeout);
-    return G_SOURCE_REMOVE;
-}
-
-gboolean GtkBrowserWindow::onDeleteEvent(GtkWidget* /*widget*/, GdkEvent* /*event*/,
-                                         GtkBrowserWindow* self) {
-    self->sendFinalResult(BrowserResultType::cancel);
-    return TRUE;
 }

@@ -70,7 +70,7 @@ CInstanceSmartPtr<StoragePath> CreateStoragePath() {
     CStoragePath* storagePath = nullptr;
     const ResultCode code = CStoragePath::CreateSingletonInstance(storagePath, "");
     if (code != kSuccess) {
-        TK_LOG_FAILED_CALL("CStoragePath::CreateSingletonInstance", code);
+        TK_LOG_FAILED_CALL_OF("main", "CStoragePath::CreateSingletonInstance", code);
     }
     return CInstanceSmartPtr<StoragePath>(storagePath);
 }

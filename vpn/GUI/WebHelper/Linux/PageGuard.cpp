@@ -1,6 +1,9 @@
 #include "PageGuard.h"
 
+#include <cassert>
+
 #include "AppLog.h"
+#include "MainThread.h"
 
 namespace {
 
@@ -34,6 +37,7 @@ void onDownloadStarted(WebKitWebContext* /*context*/, WebKitDownload* download) 
 }  // namespace
 
 CPageGuard::CPageGuard(WebKitWebView* webView) : m_webView(webView) {
+    assert(IsMainThread());
     g_signal_connect(m_webView, "permission-request", G_CALLBACK(onPermissionRequest), this);
     g_signal_connect(m_webView, "print", G_CALLBACK(onPrint), this);
     g_signal_connect(m_webView, "authenticate", G_CALLBACK(onAuthenticate), this);
@@ -43,6 +47,7 @@ CPageGuard::CPageGuard(WebKitWebView* webView) : m_webView(webView) {
 }
 
 CPageGuard::~CPageGuard() {
+    assert(IsMainThread());
     g_signal_handlers_disconnect_by_data(m_webView, this);
     closeDialog();
 }

@@ -15,7 +15,7 @@ template <class Function>
 bool Resolve(void* handle, const char* name, Function& function) {
     Find(handle, name, function);
     if (function == nullptr) {
-        LogMessage("ResolveSymbols", __FILE__, __LINE__, 'W', "Symbol %s not found.", name);
+        TK_LOG_WARNING_OF("ResolveSymbols", "Symbol %s not found.", name);
     }
     return function != nullptr;
 }

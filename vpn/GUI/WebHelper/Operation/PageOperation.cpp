@@ -1,0 +1,187 @@
+#include "PageOperation.h"
+
+#include <utility>
+
+#include "AppLog.h"
+#include "IPageOperationPort.h"
+#include "PageOutcome.h"
+#include "UriHost.h"
+
+CPageOperation::CPageOperation(IPageOperationPort& port) : m_port(port), m_load(port) {}
+
+void CPageOperation::Begin(const std::string& url, const std::string& finalUrl,
+                           CWantedCookies wanted) {
+    ++m_number;
+    m_finalUrl = finalUrl;
+    m_wanted = std::move(wanted);
+    m_cookieWatch.Begin();
+    m_load.Prepare(url);
+    if (m_wanted.AreWanted() && m_port.CanQueryCookies()) {
+        // The load waits for the answer: a quick page's cookie would otherwise stand in the store
+        // before it, and be taken for one that had always been there.
+        query(CookieQuery::Purpose::baseline, m_finalUrl);
+    } else {
+        m_load.Ask();
+    }
+}
+
+void CPageOperation::OnResult() {
+    ++m_number;
+    m_cookieWatch.Begin();
+    m_load.OnResult();
+}
+
+void CPageOperation::OnPageCommitted(std::uint32_t status, const std::string& uri) {
+    if (m_load.TakeAnswer() && IsHttpError(status)) {
+        TK_LOG_ERROR_OF("webViewLoadChangedCB", "HTTP ERROR CODE = %u, URL = %s", status,
+                        uri.c_str());
+        end(BrowserResultType::error_navi);
+    }
+}
+
+void CPageOperation::OnPageFinished(const std::string& uri) {
+    if (!m_load.TakeAnswer() || !IsFinalUrl(uri.c_str(), m_finalUrl) || m_port.IsResultSent()) {
+        return;
+    }
+    if (!m_wanted.AreWanted()) {
+        end(BrowserResultType::success);
+    } else if (m_port.CanQueryCookies()) {
+        query(CookieQuery::Purpose::finalPage, uri);
+    } else {
+        end(BrowserResultType::error_cookie);
+    }
+}
+
+bool CPageOperation::OnLoadFailed(const PageFailure& failure) {
+    if (IsNetworkProcessLoss(failure.code)) {
+        // The engine tells of no cookie that changes in the new process.
+        m_cookieWatch.OnChangesUntold();
+    }
+    const LoadFailure kind = ClassifyLoadFailure(failure.code);
+    if (kind == LoadFailure::cancelled) {
+        return false;
+    }
+    if (failure.isCancelledByEngine && m_load.RepeatCancelled()) {
+        return true;
+    }
+    if (m_load.TakeAnswer()) {
+        TK_LOG_ERROR_OF("webViewLoadFailedCB", "Failed to load page: %s, URI = %s",
+                        failure.message.c_str(), failure.uri.c_str());
+        if (kind == LoadFailure::failed) {
+            end(BrowserResultType::error_unknown);
+        }
+    }
+    return true;
+}
+
+void CPageOperation::OnCertificateRefused(const std::string& reason) {
+    if (m_load.TakeAnswer()) {
+        TK_LOG_ERROR_OF("webViewLoadFailedWithTLSErrorsCB", "Failed to load page: %s",
+                        reason.c_str());
+        end(BrowserResultType::error_cert);
+    }
+}
+
+void CPageOperation::OnLoadStopped() {
+    if (!m_load.SurvivesStop()) {
+        end(BrowserResultType::error_unknown);
+    }
+}
+
+void CPageOperation::OnProcessEnded() {
+    if (!m_load.SurvivesProcess()) {
+        end(BrowserResultType::error_unknown);
+    }
+}
+
+bool CPageOperation::OnRequest(const std::string& uri) {
+    if (!m_wanted.AreWanted()) {
+        return false;
+    }
+    m_cookieWatch.OnRequest();
+    return HaveEqualHosts(uri.c_str(), m_finalUrl.c_str());
+}
+
+void CPageOperation::OnResponse(const PageResponse& response) {
+    if (m_load.IsToCome() || !IsCookieBearingResponse(response.status, response.mimeType.c_str())) {
+        return;
+    }
+    if (response.setCookie) {
+        endWith(m_wanted.FindInHeader(*response.setCookie));
+        return;
+    }
+    // Today's engines hide the header. What it did to the store still shows.
+    m_cookieWatch.OnPage(response.uri);
+    queryForPage();
+}
+
+void CPageOperation::OnCookiesChanged() {
+    m_cookieWatch.OnCookiesChanged();
+    queryForPage();
+}
+
+void CPageOperation::OnCookies(const CookieQuery& query,
+                               const std::optional<std::vector<StoredCookie>>& cookies) {
+    const bool isCurrent = query.operation == m_number;
+    switch (query.purpose) {
+        case CookieQuery::Purpose::baseline:
+            if (isCurrent) {
+                m_cookieWatch.SetBaseline(cookies);
+                m_load.Ask();
+            }
+            break;
+        case CookieQuery::Purpose::page:
+            m_cookieWatch.OnAnswered();
+            if (isCurrent && cookies) {
+                endWith(m_wanted.FindPreferred(m_cookieWatch.NewOnes(*cookies)));
+            }
+            queryForPage();
+            break;
+        case CookieQuery::Purpose::finalPage:
+            if (isCurrent && cookies) {
+                decideByFinalPage(*cookies);
+            }
+            break;
+    }
+}
+
+void CPageOperation::decideByFinalPage(const std::vector<StoredCookie>& cookies) {
+    // Without any cookie the operation stays open on purpose: the sign-in may still be going on.
+    if (cookies.empty()) {
+        return;
+    }
+    if (const std::optional<DecidingCookie> cookie = m_wanted.FindFirst(cookies)) {
+        endWith(cookie);
+        return;
+    }
+    TK_LOG_ERROR_OF("getCookiesAsyncReadyCB", "Unable to get cookie from cookie manager.");
+    end(BrowserResultType::error_cookie);
+}
+
+void CPageOperation::OnTimeout() {
+    end(BrowserResultType::error_timeout);
+}
+
+void CPageOperation::OnWindowClosed() {
+    end(BrowserResultType::cancel);
+}
+
+void CPageOperation::query(CookieQuery::Purpose purpose, const std::string& uri) {
+    m_port.QueryCookies({purpose, uri, m_number});
+}
+
+void CPageOperation::queryForPage() {
+    if (const std::optional<std::string> uri = m_cookieWatch.TakeQuery()) {
+        query(CookieQuery::Purpose::page, *uri);
+    }
+}
+
+void CPageOperation::end(BrowserResultType result) {
+    m_port.SendResult(result, "");
+}
+
+void CPageOperation::endWith(const std::optional<DecidingCookie>& cookie) {
+    if (cookie) {
+        m_port.SendResult(cookie->result, cookie->value);
+    }
+}

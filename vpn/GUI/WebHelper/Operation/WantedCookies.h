@@ -1,0 +1,43 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "BrowserTypes.h"
+#include "StoredCookie.h"
+
+/// A cookie that decides an operation. Its value is a secret: it is never logged.
+struct DecidingCookie {
+    BrowserResultType result;  ///< success_with_cookie or error_cookie
+    std::string value;
+};
+
+/// The names of the two cookies that decide an operation: one means success, the other an error of
+/// the server's. A cookie without a value decides nothing. Immutable.
+class CWantedCookies {
+public:
+    /// Wants none.
+    CWantedCookies() = default;
+    CWantedCookies(std::string name, std::string errorName);
+
+    /// Whether the operation is one for a cookie.
+    [[nodiscard]] bool AreWanted() const { return !m_name.empty(); }
+
+    /// Looks into the text of a "Set-Cookie" header, for the error cookie last.
+    [[nodiscard]] std::optional<DecidingCookie> FindInHeader(const std::string& header) const;
+
+    /// The first of the list that is either.
+    [[nodiscard]] std::optional<DecidingCookie> FindFirst(
+        const std::vector<StoredCookie>& cookies) const;
+
+    /// The first of the list that means success; where there is none, the first error cookie.
+    [[nodiscard]] std::optional<DecidingCookie> FindPreferred(
+        const std::vector<StoredCookie>& cookies) const;
+
+private:
+    [[nodiscard]] std::optional<DecidingCookie> Judge(const StoredCookie& cookie) const;
+
+    std::string m_name;
+    std::string m_errorName;
+};
