@@ -24,9 +24,11 @@ namespace fs = std::filesystem;
 using testing::AllOf;
 using testing::AnyOf;
 using testing::Contains;
+using testing::Each;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 using testing::StartsWith;
 
 class Faults : public HelperTest {
@@ -84,7 +86,14 @@ TEST_F(Faults, ALostDisplayEndsTheProgramAndItsChildren) {
     EXPECT_FALSE(children.empty());
     display.reset();
     EXPECT_EQ(AwaitPromptEnd(), "exited with status 1");
+    EXPECT_THAT(LogLines(), Contains(AllOf(StartsWith("E Gdk: "), HasSubstr("Fatal IO error"))));
     ExpectGone(children);
+}
+
+TEST_F(Faults, ALocaleThatIsNotInstalledIsNoFault) {
+    ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady({{"LC_ALL", "xx_YY.UTF-8"}}));
+    ExpectGoodPage();
+    EXPECT_THAT(LogLines(), Each(Not(StartsWith("E "))));
 }
 
 // The engine itself gives up then. What counts is that the agent learns of it at once.

@@ -4,10 +4,12 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <initializer_list>
+#include <iterator>
 #include <tuple>
 
 #include "AppLog.h"
@@ -31,22 +33,37 @@ const char* FieldOf(const GLogField* fields, gsize count, const char* key) {
     return "";
 }
 
-// What the engine says when it cannot start its processes, and the toolkit when it finds no display
-// (a mere warning) or loses that of Wayland (a mere message), is the last that they say: the
-// program ends. The loss of an X display goes without a word.
-bool IsLastWord(GLogLevelFlags level, const char* domain) {
+// The toolkit ends the program behind these messages, whatever their level: without a display, or
+// when an X server or a Wayland compositor reports an error or is gone.
+struct LastWord {
+    const char* domain;
+    const char* text;
+};
+constexpr LastWord kLastWords[] = {
+    {"Gtk", "cannot open display"},
+    {"Gdk", "received an X Window System error"},
+    {"Gdk", "Fatal IO error"},
+    {"Gdk", "Error flushing display"},
+    {"Gdk", "Error reading events from display"},
+    {"Gdk", "dispatching to Wayland display"},
+    {"Gdk", "Lost connection to Wayland compositor"},
+};
+
+bool EndsTheProgram(GLogLevelFlags level, const char* domain, const char* message) {
     return (level & G_LOG_LEVEL_ERROR) != 0 ||
-           ((level & G_LOG_LEVEL_WARNING) != 0 && gdk_display_get_default() == nullptr) ||
-           ((level & G_LOG_LEVEL_MESSAGE) != 0 && std::strcmp(domain, "Gdk") == 0);
+           std::any_of(std::begin(kLastWords), std::end(kLastWords), [&](const LastWord& last) {
+               return std::strcmp(domain, last.domain) == 0 &&
+                      std::strstr(message, last.text) != nullptr;
+           });
 }
 
 GLogWriterOutput writeMessageCB(GLogLevelFlags level, const GLogField* fields, gsize count,
                                 gpointer /*unused*/) {
     const char* const domain = FieldOf(fields, count, "GLIB_DOMAIN");
-    if (IsLastWord(level, domain)) {
+    const char* const message = FieldOf(fields, count, "MESSAGE");
+    if (EndsTheProgram(level, domain, message)) {
         // Nobody keeps the error stream, to which it also goes.
-        TK_LOG_ERROR("%s: %s", domain[0] != '\0' ? domain : "GLib",
-                     FieldOf(fields, count, "MESSAGE"));
+        TK_LOG_ERROR("%s: %s", domain[0] != '\0' ? domain : "GLib", message);
     }
     return g_log_writer_default(level, fields, count, nullptr);
 }
