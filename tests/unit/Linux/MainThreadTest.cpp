@@ -1,0 +1,18 @@
+#include "MainThread.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "EngineProcessesEnd.h"
+
+TEST(MainThread, IsTheOneThatRunsTheProgram) {
+    EXPECT_TRUE(IsMainThread());
+    bool isMainThread = true;
+    std::thread([&] { isMainThread = IsMainThread(); }).join();
+    EXPECT_FALSE(isMainThread);
+}
+
+TEST(MainThreadDeathTest, IsAssertedByItsClassesInDebugBuilds) {
+    EXPECT_DEBUG_DEATH(std::thread([] { const CEngineProcessesEnd end; }).join(), "IsMainThread");
+}
