@@ -289,6 +289,14 @@ TEST_F(PageOperation, GivesAProcessThatHasLoadedNothingItsTime) {
     EXPECT_THAT(Asked(), ElementsAre("load http://host/page"));
 }
 
+TEST_F(PageOperation, GivesTheProcessOfANewViewItsTime) {
+    StartBrowse();
+    m_operation.OnViewReplaced();
+    Browse();
+    m_operation.OnResponsiveness(false);
+    EXPECT_THAT(Asked(), ElementsAre("load http://host/page"));
+}
+
 TEST_F(PageOperation, LeavesAProcessThatIsStuckInItsOwnPage) {
     StartBrowse();
     m_operation.OnResponsiveness(false);

@@ -11,7 +11,7 @@
 namespace {
 
 constexpr std::uint32_t kSeverityByLevel = 7;
-constexpr std::size_t kRecordSize = 2048;  // the log's longest, and its zero
+constexpr std::size_t kLineSize = 2048;  // the log's longest, and its zero
 
 int PriorityOfLevel(std::uint32_t level) {
     switch (level) {
@@ -34,7 +34,7 @@ void WriteLine(int priority, std::string line) {
 
 // The same without memory of its own, for a text of a record's length.
 void WriteRecordLine(int priority, const char* text) {
-    std::array<char, kRecordSize> line{};
+    std::array<char, kLineSize> line{};
     const std::size_t length = strnlen(text, line.size() - 1);
     std::replace_copy(text, text + length, line.begin(), '\n', ' ');
     syslog(priority | LOG_DAEMON, "%s", line.data());
