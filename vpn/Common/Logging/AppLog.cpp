@@ -18,7 +18,7 @@ constexpr std::size_t kRecordSize = 2048;
 constexpr unsigned kSpinCount = 500;
 constexpr const char* kUnknown = "unknown";
 
-// Read by the logging path without a lock; written under the log lock.
+// Written under the log lock. The logging path reads it without a lock.
 std::atomic<ILogger*> installedLogger{nullptr};
 std::uint32_t referenceCount = 0;
 
@@ -80,7 +80,7 @@ void LogReturnCode(const char* function, const char* file, std::uint32_t line, s
     if (description == nullptr && code != kSuccess) {
         description = NameOrUnknown(code);
     } else if (description == nullptr && format != nullptr) {
-        // A success has no name worth printing: its text moves up into the description.
+        // Success has no name worth printing, so the text takes the place of the description.
         description = message;
         trailingMessage = "";
     } else if (description == nullptr) {
@@ -102,7 +102,7 @@ CAppLog::CAppLog(ResultCode& result, const char* identity, ILogger* logger) {
     ++referenceCount;
     SetResultCodeTable(kResultCodeTable.data(), kResultCodeModuleCount);
     if (installedLogger == nullptr) {
-        // Without memory for the sink the records are dropped, as without a log.
+        // If there is no memory for the sink, records are dropped, as if there were no log.
         installedLogger =
             logger != nullptr ? logger : new (std::nothrow) CSyslogLogger(identity, true);
     }
@@ -110,8 +110,8 @@ CAppLog::CAppLog(ResultCode& result, const char* identity, ILogger* logger) {
 }
 
 CAppLog::~CAppLog() {
-    // The logger is taken out under the lock and deleted when the lock is free again, so that a
-    // sink that reports or waits for another thread while it ends cannot lock itself out.
+    // Declared before the guard, so that the logger is deleted after the lock is released: its
+    // destructor may log or wait for another thread, and must not lock itself out.
     std::unique_ptr<ILogger> lastLogger;
     const CManualLockGuard guard(LogLock());
     if (referenceCount != 0 && --referenceCount == 0) {

@@ -31,7 +31,7 @@ std::uint64_t CManualLock::Unlock() {
     if (m_holdCount == 0) {
         return 0;
     }
-    // The count belongs to the holder: read it before another thread can take the mutex.
+    // Only the holder may read the count, so read it before another thread can take the mutex.
     const std::uint64_t holdsLeft = --m_holdCount;
     pthread_mutex_unlock(&m_mutex);
     return holdsLeft;

@@ -17,10 +17,10 @@ public:
     /// Waits for the lock; a thread that holds it may take it again.
     void Lock();
 
-    /// Takes the lock when that needs no waiting; true when it was taken.
+    /// Takes the lock if that needs no waiting. Returns whether it was taken.
     [[nodiscard]] bool TryLock();
 
-    /// Gives one hold back and returns how many are left; 0 also when nothing was held.
+    /// Releases one hold and returns how many are left; returns 0 also if nothing was held.
     std::uint64_t Unlock();
 
 private:

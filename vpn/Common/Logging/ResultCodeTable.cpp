@@ -2,7 +2,7 @@
 
 namespace {
 
-// Every module begins with its success and the nine errors that mean the same everywhere.
+// Every module begins with a success code and the nine errors that all modules have in common.
 #define TK_COMMON_RESULT_NAMES(prefix)                                                             \
     prefix "_SUCCESS", prefix "_ERROR_NOT_IMPLEMENTED", prefix "_ERROR_BAD_PARAMETER",             \
         prefix "_ERROR_BAD_HANDLE", prefix "_ERROR_MEMALLOC_FAILED", prefix "_ERROR_NULL_POINTER", \
@@ -98,7 +98,8 @@ constexpr ResultCodeModule Module(const char* const (&names)[Count]) {
 constexpr std::uint32_t kPlaceholderSlots[] = {111, 125, 133, 134, 135, 136,
                                                193, 194, 195, 196, 198};
 
-// Slots of the suite's other components, whose codes this program never produces, stay empty.
+// The slots of the suite's other components stay empty, because this program never produces their
+// codes.
 constexpr ResultCodeTable MakeTable() {
     ResultCodeTable table{};
     for (const std::uint32_t slot : kPlaceholderSlots) {

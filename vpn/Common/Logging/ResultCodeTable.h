@@ -3,8 +3,8 @@
 #include <array>
 #include <cstdint>
 
-/// Names of one module's error indices. The count bounds the array and is at least 1; only an
-/// empty slot has no array and a count of 0.
+/// The names of one module's codes, by index. The count is the length of the array, at least 1.
+/// Only an empty slot has no array and a count of 0.
 struct ResultCodeModule {
     std::uint32_t count;
     const char* const* names;
@@ -14,9 +14,9 @@ constexpr std::uint32_t kResultCodeModuleCount = 224;
 
 using ResultCodeTable = std::array<ResultCodeModule, kResultCodeModuleCount>;
 
-/// The suite's table, indexed by module number: constant, valid for the whole process.
+/// The suite's table, indexed by module number. Constant.
 extern const ResultCodeTable kResultCodeTable;
 
-/// Gives GetResultCodeName() its table; a null table or a count of 0 takes it away. Called when
-/// the log is initialised, before other threads look codes up.
+/// Sets the table for GetResultCodeName(). A null table or a count of 0 removes it. Called when the
+/// log is initialised, before other threads look codes up.
 void SetResultCodeTable(const ResultCodeModule* table, std::uint32_t moduleCount);

@@ -23,7 +23,7 @@ const char* GetResultCodeName(std::uint32_t code) {
         return nullptr;
     }
     const ResultCodeModule* const table = resultCodeTable;
-    // Bit 24 is not tested: 0xFF and 0xFE codes share their modules.
+    // Bit 24 is not tested, so codes that begin with 0xFE and with 0xFF share their modules.
     const std::uint32_t moduleNumber = (code >> 16) & 0xFF;
     if (table == nullptr || moduleNumber >= resultCodeModuleCount) {
         return nullptr;

@@ -2,9 +2,9 @@
 
 #include <cstdint>
 
-/// Outcome of an operation: 0 is success, any other value is a failure. A value of the suite's
-/// table is 0xFE000000 | module << 16 | index; other values (an errno, say) have no name.
-/// It never exceeds 32 bits.
+/// The outcome of a call: 0 is success, any other value is a failure. The suite's own codes are
+/// 0xFE000000 | module << 16 | index. Other values, such as an errno, have no name. A code never
+/// exceeds 32 bits.
 using ResultCode = unsigned long;
 
 constexpr ResultCode kSuccess = 0;
@@ -23,7 +23,7 @@ constexpr ResultCode APPLOGCUSTOMCONFIG_ERROR_UNEXPECTED = 0xFEDE0009;
 constexpr ResultCode APPLOGCUSTOMCONFIG_ERROR_CONFIG_FILE_NOT_READABLE = 0xFEDE000A;
 constexpr ResultCode APPLOGCUSTOMCONFIG_ERROR_UNABLE_TO_OPEN_CONFIG_FILE = 0xFEDE000B;
 
-/// Name of a result code, some with a description behind a colon, or null when it has none.
-/// An index past the end of its module's names reads as the module's unknown error. Before
-/// SetResultCodeTable() no code has a name. Any thread.
+/// Returns the name of a result code, or null if it has none. Some names are followed by a colon
+/// and a description. An index beyond its module's names gets the module's last name, normally that
+/// of its unknown error. Before SetResultCodeTable() no code has a name. Any thread.
 const char* GetResultCodeName(std::uint32_t code);

@@ -11,7 +11,7 @@
 namespace {
 
 constexpr std::uint32_t kSeverityByLevel = 7;
-constexpr std::size_t kLineSize = 2048;  // the log's longest, and its zero
+constexpr std::size_t kLineSize = 2048;  // the log's longest record and its zero
 
 int PriorityOfLevel(std::uint32_t level) {
     switch (level) {
@@ -32,7 +32,7 @@ void WriteLine(int priority, std::string line) {
     syslog(priority | LOG_DAEMON, "%s", line.c_str());
 }
 
-// The same without memory of its own, for a text of a record's length.
+// The same without allocating memory. A text that is longer than a record is cut.
 void WriteRecordLine(int priority, const char* text) {
     std::array<char, kLineSize> line{};
     const std::size_t length = strnlen(text, line.size() - 1);

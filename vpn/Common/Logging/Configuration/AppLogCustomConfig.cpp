@@ -1,6 +1,7 @@
 #include "AppLogCustomConfig.h"
 
-// The JSON reader of this Boost asks for it; without it every build prints a note.
+// Boost's JSON reader uses the global bind placeholders. Without this macro every build prints a
+// note.
 #define BOOST_BIND_GLOBAL_PLACEHOLDERS
 #include <boost/property_tree/json_parser.hpp>
 #include <boost/property_tree/ptree.hpp>
@@ -91,9 +92,10 @@ ResultCode CAppLogCustomConfig::loadConfigurationFromFile(ComponentTable& table)
     }
     try {
         for (const auto& [name, value] : ParseJson(contents)) {
-            // When the table is the effective one, emptied above, this lookup loads it again and
-            // so comes back here, without end. The order is deliberate and stays: whatever may
-            // one day call for verbose records has to meet the design as it is.
+            // getComponent() calls init(). If the table is the effective one, it was emptied above,
+            // so init() loads it again, and the two call each other without end. This order is
+            // deliberate and stays: code that one day writes verbose records must meet the
+            // behaviour as designed.
             const std::int32_t component = getComponent(name);
             if (component == kUnknownComponent) {
                 TK_LOG_ERROR("Skipping entry because of unknown component: %s.", name.c_str());
@@ -105,7 +107,7 @@ ResultCode CAppLogCustomConfig::loadConfigurationFromFile(ComponentTable& table)
             } else {
                 TK_LOG_ERROR("Unexpected value for component \"%s\". Default value will be used.",
                              name.c_str());
-                table[component] = 0;  // whatever the component's entry in the default table
+                table[component] = 0;  // whatever the default table says
             }
         }
     } catch (const std::exception& error) {
@@ -132,7 +134,7 @@ void CAppLogCustomConfig::init() try {
         tables.effective = tables.defaults;
     }
 } catch (const std::exception& error) {
-    // What is missing counts as unknown, and the next use makes it.
+    // Components that are missing from the tables count as unknown. The next use tries again.
     TK_LOG_ERROR("Failed to initialize the debug log configuration (%s).", error.what());
 }
 

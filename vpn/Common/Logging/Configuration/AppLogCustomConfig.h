@@ -6,29 +6,32 @@
 
 #include "ResultCodes.h"
 
-/// The verbosity of each component's debug log, from "debuglogconfig.json" in the installation
-/// folder. The file is read when the table is first used. Its table is one for the whole process
-/// and has no lock: its first use belongs before other threads use it.
+/// The verbosity of each component's debug log, as "debuglogconfig.json" in the installation folder
+/// sets it. The file is read when the tables are first used. The tables belong to the whole process
+/// and have no lock: the first use must come before other threads use them.
 class CAppLogCustomConfig {
 public:
-    /// Component identifier to level: messages of a verbosity up to the level are written.
+    /// Maps a component's identifier to its level. Messages with a verbosity up to the level are
+    /// written.
     using ComponentTable = std::map<std::int32_t, std::int32_t>;
 
     static ResultCode getConfigurationFilePath(std::string& path);
 
-    /// Gives the bytes of the file; logs its failures.
+    /// Reads all bytes of the file. Logs its failures.
     static ResultCode getConfigurationFileContents(std::string& contents);
 
-    /// Makes the table what the file says: a JSON object of component names and levels from 0 to
-    /// 3, other levels counting as 0. Logs its failures, of which entries read before stay.
+    /// Fills the table from the file, which holds a JSON object of component names and levels from
+    /// 0 to 3. Any other level is logged and counts as 0. Logs its failures; entries read before a
+    /// failure stay in the table.
     static ResultCode loadConfigurationFromFile(ComponentTable& table);
 
-    /// Loads the effective table, or the default levels when that fails, if it is empty.
+    /// If the effective table is empty, loads it from the file. If that fails, uses the default
+    /// levels.
     static void init();
 
-    /// The identifier of a component's exact name, or 0. Runs init().
+    /// Returns the identifier of the component with exactly this name, or 0. Calls init() first.
     static std::int32_t getComponent(const std::string& name);
 
-    /// The effective table, for the whole process. Runs init().
+    /// Returns the process's effective table. Calls init() first.
     static ComponentTable& getEffectiveTable();
 };
