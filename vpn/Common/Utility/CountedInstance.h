@@ -9,13 +9,13 @@
 #include "ManualLock.h"
 #include "ResultCodes.h"
 
-/// The one live object of a class and the number of its holders. The class is built from an
-/// out-parameter for a result code and a string. Any thread, but for CreateSingletonInstance().
+/// Holds the single instance of a class and counts its holders. The class's constructor takes a
+/// result code, which it sets, and a string. Any thread, except for CreateSingletonInstance().
 template <class T>
 class CCountedInstance {
 public:
-    /// Makes the instance, or acquires the one that is there. Without a lock around the check:
-    /// called once at start-up, before there are other threads.
+    /// Creates the instance, or acquires the existing one. The check for an existing one takes no
+    /// lock, so call this only at start-up, before there are other threads.
     [[nodiscard]] ResultCode CreateSingletonInstance(T*& instance, const char* className,
                                                      const std::string& argument) {
         instance = nullptr;
@@ -36,7 +36,7 @@ public:
         return kSuccess;
     }
 
-    /// The instance with one more holder, or null when there is none.
+    /// Adds a holder and returns the instance, or null if there is none.
     T* AcquireInstance() {
         const CManualLockGuard guard(m_lock);
         if (m_instance != nullptr) {
@@ -45,8 +45,8 @@ public:
         return m_instance;
     }
 
-    /// Takes a holder away and destroys the object with the last one. An object that is not the
-    /// instance is destroyed at once: that is how a half-made one is disposed of.
+    /// Removes a holder; the last one destroys the instance. An object that is not the instance is
+    /// destroyed at once: this disposes of an object whose construction failed.
     void ReleaseInstance(T* instance) {
         {
             const CManualLockGuard guard(m_lock);
@@ -57,7 +57,7 @@ public:
                 m_instance = nullptr;
             }
         }
-        // cppcheck-suppress unreadVariable ; its destructor is what it is for
+        // cppcheck-suppress unreadVariable ; its destructor does the work
         const std::unique_ptr<T> disposed(instance);
     }
 
@@ -67,7 +67,7 @@ public:
     }
 
 private:
-    // Null, with a result that says so, when there is no memory for it.
+    // Returns null and sets the result if there is no memory for the object.
     static T* Create(ResultCode& result, const std::string& argument) {
         try {
             return std::make_unique<T>(result, argument).release();

@@ -22,7 +22,7 @@ bool EnsureDirectory(const char* path) {
     if (stat(path, &status) == 0) {
         return S_ISDIR(status.st_mode);
     }
-    // Another process may make the same directory between the two calls; it serves as well.
+    // Another process may create the same directory between the two calls. That counts as success.
     return mkdir(path, kDirectoryMode) == 0 || IsDirectory(path);
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-/// Creates every missing directory along an absolute path, with mode 0777 less the umask. True
-/// when, on return, each of them is a directory; a failure leaves those made before it in place.
-/// A null or relative path is false. Symbolic links are followed. Any thread.
+/// Creates every missing directory of an absolute path, with mode 0777 minus the umask. Returns
+/// true if all of them are directories when it returns. After a failure the directories created
+/// before it stay. Returns false for a null or relative path. Follows symbolic links. Any thread.
 [[nodiscard]] bool MakeDirectoryPath(const char* absolutePath);

@@ -9,13 +9,14 @@
 
 namespace {
 
-// Gives 0 or the error number.
+// Returns 0 or the error number.
 int QueryStatus(const std::string& path, struct stat& status) {
     return stat(path.c_str(), &status) == 0 ? 0 : errno;
 }
 
-// Single bits are tested, not the whole type field, so that a socket counts as a regular file and
-// as a directory, and a block device as a directory. The suite's other components rely on it.
+// These functions test a single bit, not the whole type field. A socket therefore counts as a
+// regular file and as a directory, and a block device counts as a directory. The suite's other
+// components rely on this.
 bool HasRegularFileBit(const struct stat& status) {
     return (status.st_mode & S_IFREG) != 0;
 }

@@ -1,14 +1,14 @@
 #pragma once
 
-/// Holds one reference to the instance of a reference-counted singleton class for a scope. It
-/// holds nothing when the class has no instance. Any thread.
+/// Holds one reference to the instance of a reference-counted singleton class for a scope. Holds
+/// nothing if the class has no instance. Any thread.
 template <class T>
 class CInstanceSmartPtr {
 public:
     /// Acquires a reference.
     CInstanceSmartPtr() : m_instance(T::AcquireInstance()) {}
 
-    /// Takes over a reference that the caller has, such as CreateSingletonInstance() gives.
+    /// Takes over a reference that the caller holds, for example from CreateSingletonInstance().
     explicit CInstanceSmartPtr(T* acquired) : m_instance(acquired) {}
 
     ~CInstanceSmartPtr() {

@@ -17,12 +17,12 @@ struct DescriptorSets {
     fd_set* exception;
 };
 
-// The timeout is by value: the system call changes it.
+// Takes the timeout by value, because the system call changes it.
 int Select(const DescriptorSets& sets, timeval timeout) {
     return select(sets.count, sets.read, sets.write, sets.exception, &timeout);
 }
 
-// Setting the wall clock neither cuts a wait short nor draws it out.
+// The monotonic clock, so that setting the wall clock does not change the length of a wait.
 timeval MonotonicNow() {
     timespec now = {};
     clock_gettime(CLOCK_MONOTONIC, &now);
@@ -55,7 +55,7 @@ int WaitUntil(const DescriptorSets& sets, const timeval& deadline, timeval remai
 int tk_select(int descriptorCount, fd_set* readSet, fd_set* writeSet, fd_set* exceptionSet,
               const timeval* timeout) {
     const DescriptorSets sets{descriptorCount, readSet, writeSet, exceptionSet};
-    // Without a timeout this deliberately polls, where select() itself would wait for ever.
+    // Without a timeout this deliberately polls; select() itself would wait for ever.
     const int ready = timeout == nullptr
                           ? Poll(sets)
                           : WaitUntil(sets, AddTime(MonotonicNow(), *timeout), *timeout);

@@ -21,7 +21,7 @@ constexpr std::size_t kFirstPasswordBufferSize = 1024;
 
 CCountedInstance<CStoragePath> storagePath;
 
-// Empty, and logged, without memory for it.
+// If there is no memory for the path, logs that and returns an empty string.
 std::string PathBelow(std::string_view root, std::string_view name) try {
     return std::string(root).append(name);
 } catch (const std::bad_alloc& error) {
@@ -29,8 +29,8 @@ std::string PathBelow(std::string_view root, std::string_view name) try {
     return "";
 }
 
-// Home folder, with a slash behind it, in the entry that the query, a getpw*_r function with its
-// key bound, finds.
+// Returns the home folder, with a trailing slash, from the password entry that the query finds. The
+// query is a getpw*_r function with its key bound.
 template <class Query>
 std::optional<std::string> HomeDirectory(Query query) {
     std::vector<char> buffer(kFirstPasswordBufferSize);
@@ -94,7 +94,7 @@ std::string CStoragePath::GetUserProgramDataPath(const std::string& userName) co
     }
     if (!home) {
         TK_LOG_WARNING("Error retrieving user pswd struct.");
-        // Deliberately without a slash behind it, unlike a home folder.
+        // Deliberately without a trailing slash, unlike a home folder.
         return ".";
     }
     return *std::move(home);

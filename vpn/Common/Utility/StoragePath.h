@@ -6,22 +6,23 @@
 
 #include "ResultCodes.h"
 
-/// Knows where the suite keeps its files: a process-wide singleton that counts its references.
-/// Immutable, so its paths may be asked for on any thread; they come as new strings, empty where
-/// there is no memory for one, which is logged. Nothing is read from the environment.
+/// Knows where the suite keeps its files: a process-wide singleton with a reference count. It is
+/// immutable, so any thread may ask for paths. Each path is a new string. If there is no memory for
+/// one, that is logged and the string is empty. Nothing is read from the environment.
 class CStoragePath {
 public:
-    /// Makes the instance and hands out its first reference, or one more reference when there is
-    /// an instance. On failure the pointer is null. To be called once, before other threads
-    /// exist. The string is reserved.
+    /// Creates the instance and returns its first reference, or returns one more reference to an
+    /// existing instance. On failure the pointer is null. Call it once, before other threads exist.
+    /// The string is reserved.
     [[nodiscard]] static ResultCode CreateSingletonInstance(CStoragePath*& instance,
                                                             const std::string& reserved);
 
-    /// A reference to the instance, to be given back, or null when there is none. Any thread.
+    /// Returns a reference to the instance, or null if there is none. The caller must release it.
+    /// Any thread.
     [[nodiscard]] static CStoragePath* AcquireInstance();
 
-    /// Gives a reference back; the last one destroys the instance. An object that is not the
-    /// instance is destroyed at once. Any thread.
+    /// Releases a reference; the last one destroys the instance. An object that is not the instance
+    /// is destroyed at once. Any thread.
     static void ReleaseInstance(CStoragePath* instance);
 
     static std::uint32_t GetInstanceRefCount();
@@ -37,11 +38,11 @@ public:
     /// The folder of the programs, with a trailing slash.
     [[nodiscard]] std::string GetBinPath() const;
 
-    /// The home folder of the named user, or of the real user of the process when the name is
-    /// empty, with a trailing slash; "." when the password database does not know the user.
+    /// The home folder of the named user, with a trailing slash. An empty name means the real user
+    /// of the process. "." if the password database does not know the user.
     [[nodiscard]] std::string GetUserProgramDataPath(const std::string& userName) const;
 
-    /// The user's folder as above, or the suite's own; both with a trailing slash.
+    /// The user's home folder as above, or the installation root with a trailing slash.
     [[nodiscard]] std::string GetProgramDataPath(bool perUser, const std::string& userName) const;
 
     /// Without a trailing slash.
@@ -51,11 +52,11 @@ public:
     /// a trailing slash.
     [[nodiscard]] std::string GetProfilePath(std::int32_t profileType) const;
 
-    /// There is no such folder on this platform: always empty, and a warning in the log.
+    /// This platform has no such folder: always empty, and a warning is logged.
     [[nodiscard]] std::string GetUILogPath() const;
 
-    /// Sets the text to the folder for temporary files, with a trailing slash; a failure code,
-    /// with the text set all the same, when it is longer than the maximum.
+    /// Sets path to the folder for temporary files, with a trailing slash. If it is longer than
+    /// maximumLength, returns CSTORAGEPATH_ERROR_TEMPPATH_TOO_BIG but sets path all the same.
     [[nodiscard]] ResultCode GetTempPath(std::string& path, std::size_t maximumLength) const;
 
 private:

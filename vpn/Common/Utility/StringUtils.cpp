@@ -14,7 +14,7 @@ constexpr std::string_view kWhiteSpace = " \t\f\v\n\r";
 constexpr std::size_t kFormatBufferSize = 1024;
 constexpr std::size_t kNotFound = std::string_view::npos;
 
-// string_view::find() compares anew at every position; memmem() stays linear.
+// memmem() takes linear time; string_view::find() compares anew at every position.
 std::size_t Find(std::string_view text, std::string_view part, std::size_t start) {
     const void* const found =
         memmem(text.data() + start, text.size() - start, part.data(), part.size());
@@ -108,8 +108,8 @@ bool CStringUtils::MatchWildcard(std::string_view text, std::string_view pattern
         const std::string_view segment =
             pattern.substr(patternPosition, nextStar - patternPosition);
         if (nextStar == kNotFound) {
-            // Deliberately asks the whole text, so that the last segment may overlap what the
-            // segments before it have matched: "abcd" matches "abc*bcd".
+            // Deliberately tests the whole text. The last segment may therefore overlap text that
+            // the segments before it have matched: "abcd" matches "abc*bcd".
             return EndsWith(text, segment);
         }
         const std::size_t found = Find(text, segment, textPosition);

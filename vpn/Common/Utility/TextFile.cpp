@@ -10,7 +10,7 @@ namespace {
 
 enum class ReadOutcome { kNotOpened, kFailed, kStopped, kComplete };
 
-// False also when there is no memory for the stream's buffer.
+// Returns false also if there is no memory for the stream's buffer.
 template <class Stream>
 bool Open(Stream& file, const std::string& path, std::ios::openmode mode) {
     try {
@@ -21,7 +21,7 @@ bool Open(Stream& file, const std::string& path, std::ios::openmode mode) {
     }
 }
 
-// Hands each line, without its line breaks, to the visitor until that gives false.
+// Passes each line, without its line breaks, to the visitor until the visitor returns false.
 template <class Visitor>
 ReadOutcome ReadLines(const std::string& path, Visitor visit) try {
     std::ifstream file;
@@ -86,7 +86,7 @@ bool SetTextFileContents(const std::string& path, const std::string& contents) {
         TK_LOG_ERROR("Failed to open file %s", path.c_str());
         return false;
     }
-    // Up to the first zero byte: contents are text.
+    // Writes up to the first zero byte, because contents are text.
     // cppcheck-suppress stlcstrStream
     file << contents.c_str();
     file.close();
@@ -132,8 +132,8 @@ bool SeachFileForMatchingLine(const std::string& path, const std::string& line) 
 
 namespace {
 
-// Writes the edited text back if all of the file was read. Null when that went well, else what
-// failed, for the editing function to log.
+// Writes the edited text back if the whole file was read. Returns null on success, otherwise the
+// failure, which the editing function logs.
 const char* Rewrite(const std::string& path, ReadOutcome outcome, const std::string& text) {
     if (outcome == ReadOutcome::kNotOpened) {
         return "Failed to open file";

@@ -3,33 +3,35 @@
 #include <string>
 #include <vector>
 
-// Text files are handled line by line. Every line loses its trailing carriage returns and line
-// feeds when it is read; the functions that rewrite a file end every line with a bare line feed,
-// so that a file with other endings deliberately comes back converted. All log their failures and
-// then give false.
+// Text files are handled line by line. Reading removes the carriage returns and line feeds at the
+// end of each line. Functions that rewrite a file end every line with a bare line feed, and so
+// deliberately convert files with other line endings. Every function logs its failure and then
+// returns false.
 
-/// Gives the lines of a file.
+/// Reads the lines of a file.
 [[nodiscard]] bool ReadTextFile(const std::string& path, std::vector<std::string>& lines);
 
-/// Whether every line is white space only; an empty file counts.
+/// Whether every line is white space only; true for an empty file.
 [[nodiscard]] bool FileHasOnlyWhiteSpace(const std::string& path);
 
-/// Makes the contents, up to their first zero byte, the whole of the file, which is created where
-/// it is missing.
+/// Replaces everything in the file by the contents, up to their first zero byte. Creates a missing
+/// file.
 [[nodiscard]] bool SetTextFileContents(const std::string& path, const std::string& contents);
 
-/// Appends the line and a line feed to the file, which is created where it is missing.
+/// Appends the line and a line feed to the file. Creates a missing file.
 [[nodiscard]] bool AppendLineToFile(const std::string& path, const std::string& line);
 
-/// Whether some line equals the given one. The name is spelled as the suite's components know it.
+/// Whether a line of the file equals the given one. The function's name is misspelled on purpose:
+/// the suite's components know it so.
 [[nodiscard]] bool SeachFileForMatchingLine(const std::string& path, const std::string& line);
 
-/// Removes every line that equals the given one. A file in which none was found, also because it
-/// could not be read, is left alone and counts as done.
+/// Removes every line that equals the given one. If no such line is found, or if the file cannot be
+/// read, the file stays unchanged and the result is true.
 [[nodiscard]] bool RemoveFromFileMatchingLine(const std::string& path, const std::string& line);
 
-/// Inserts the new line ahead of the first line that begins with the prefix when the flag is 1,
-/// and behind it when the flag is any other value. Where none does, nothing is inserted.
+/// Inserts the new line at the first line that begins with the prefix: before that line if before
+/// is 1, after it if before has any other value. If no line begins with the prefix, nothing is
+/// inserted.
 [[nodiscard]] bool insertIntoFilePrePostMatchingLine(const std::string& path,
                                                      const std::string& newLine,
                                                      const std::string& matchPrefix, int before);

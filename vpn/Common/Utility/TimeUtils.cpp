@@ -13,7 +13,7 @@ namespace {
 constexpr int kStyleCompact = 1;
 constexpr int kStyleFixed = 2;
 constexpr std::size_t kCompactFormLength = 10;
-constexpr std::size_t kFixedFormSize = 26;  // what asctime_r() asks for
+constexpr std::size_t kFixedFormSize = 26;  // what asctime_r() requires
 constexpr std::size_t kLocaleFormSize = 64;
 constexpr std::int64_t kMicrosecondsPerSecond = 1000000;
 
@@ -29,7 +29,7 @@ std::int64_t AddSeconds(std::int64_t left, std::int64_t right) {
     return sum;
 }
 
-// For a left that is not less than the right.
+// The left must not be less than the right.
 std::int64_t SubtractSeconds(std::int64_t left, std::int64_t right) {
     std::int64_t difference = 0;
     return __builtin_sub_overflow(left, right, &difference) ? Limits::max() : difference;
@@ -44,7 +44,7 @@ std::string CompactForm(const std::tm& localTime) {
 
 std::string FixedForm(const std::tm& localTime) {
     char buffer[kFixedFormSize] = "";
-    // cppcheck-suppress asctime_rCalled ; its form is the promised one, whatever the locale
+    // cppcheck-suppress asctime_rCalled ; its form is promised and does not depend on the locale
     const char* const text = asctime_r(&localTime, buffer);
     return text != nullptr ? text : "";
 }
@@ -107,7 +107,7 @@ std::string FormatLocalTime(const std::tm& localTime, int style) {
 }
 
 int SleepMilliseconds(std::uint32_t milliseconds) {
-    // The microseconds wrap around at 32 bits. Callers know and stay below.
+    // The microseconds wrap around at 32 bits. Callers know that and stay below.
     // cppcheck-suppress usleepCalled ; its result and its errors are the promised ones
     return usleep(milliseconds * 1000U);
 }
@@ -127,7 +127,7 @@ std::time_t TimeNowSeconds() {
 
 timeval AddTime(const timeval& left, const timeval& right) {
     timeval sum{AddSeconds(left.tv_sec, right.tv_sec), left.tv_usec + right.tv_usec};
-    // A whole second of microseconds deliberately stays as it is; only more is carried.
+    // Exactly 1000000 microseconds deliberately stay as they are; only more is carried.
     if (sum.tv_usec > kMicrosecondsPerSecond) {
         sum.tv_usec -= kMicrosecondsPerSecond;
         sum.tv_sec = AddSeconds(sum.tv_sec, 1);
