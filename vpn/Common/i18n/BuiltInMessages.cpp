@@ -1,13 +1,13 @@
 #include "BuiltInMessages.h"
 
-// scripts/update-catalogs.sh makes the template of the catalogues from this table, with the
-// comments for translators.
+// scripts/update-catalogs.sh generates the catalogues' template from this table, with the comments
+// for translators.
 
 const std::string kProductFullName = "Velto Tunnelkeep VPN Client";
 // Translators: title of the window in which people sign in.
 const std::string kLoginWindowTitle = "Velto Tunnelkeep Login";
 
-// Translators: "_" stands before the letter that, with Alt, presses the button.
+// Translators: "_" marks the letter behind it: Alt and that letter press the button.
 const std::string kGetCertificateMnemonic = "_Get Certificate";
 const std::string kDisconnectMnemonic = "_Disconnect";
 const std::string kConnectMnemonic = "_Connect";
@@ -17,14 +17,15 @@ const std::string kAcceptMnemonic = "_Accept";
 const std::string kConnectionInformationCaption = "<b>Connection Information</b>";
 
 const std::string kDayAmount = "%u Day";
-// Translators: for every number but 1, alike for 2, 5 and 21; so are the hours and minutes.
+// Translators: used for every number except 1, also for 2, 5 and 21. The same holds for hours and
+// minutes.
 const std::string kDaysAmount = "%u Days";
 const std::string kHourAmount = "%u Hour";
 const std::string kHoursAmount = "%u Hours";
 const std::string kMinuteAmount = "%u Minute";
 const std::string kMinutesAmount = "%u Minutes";
 
-// Translators: a blank stays a blank.
+// Translators: keep the single blank.
 const std::string kBlank = " ";
 
 const std::string kBrowserTitle = "Velto Tunnelkeep Browser";

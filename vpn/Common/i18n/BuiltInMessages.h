@@ -2,10 +2,10 @@
 
 #include <string>
 
-// User-visible texts that the suite's graphical components share. Each is the untranslated English
-// text and thereby the key under which catalogues hold its translation: MsgCatalog::getMessage()
-// gives the text in the user's language. Constant from static initialisation to the process's end;
-// any thread.
+// User-visible texts that the suite's graphical components share. Each constant is the untranslated
+// English text. Catalogues use it as the key of the translation, and MsgCatalog::getMessage()
+// returns the text in the user's language. Constant from static initialisation to the end of the
+// process. Any thread.
 
 // What this program shows.
 extern const std::string kProductFullName;
@@ -28,7 +28,6 @@ extern const std::string kHoursAmount;
 extern const std::string kMinuteAmount;
 extern const std::string kMinutesAmount;
 
-// A blank.
 extern const std::string kBlank;
 
 // Browser and certificate dialogs.

@@ -6,14 +6,15 @@
 
 namespace {
 
-// Value of a digit, or nothing when it is none of the base.
+// Returns the value of a digit, or nothing if it is not a digit of the base.
 std::optional<unsigned> DigitValue(char digit, int base) {
     unsigned value = 0;
     const std::errc error = std::from_chars(&digit, &digit + 1, value, base).ec;
     return error == std::errc() ? std::optional(value) : std::nullopt;
 }
 
-// Character of the code between "&#" and ";"; the code may be of any length.
+// Returns the character for the code between "&#" and ";", or nothing if the code is not a number.
+// The code may have any length.
 std::optional<char> CharacterOf(std::string_view code) {
     const bool isHexadecimal = !code.empty() && (code.front() == 'x' || code.front() == 'X');
     if (isHexadecimal) {
@@ -34,8 +35,8 @@ std::optional<char> CharacterOf(std::string_view code) {
     return static_cast<char>(value);
 }
 
-// Moves what stands before the next reference from the rest to the decoded text, and takes the "&#"
-// away; false when none follows. The last character decoded may itself begin one.
+// Moves the text before the next reference from rest to decoded, and removes the "&#". Returns
+// false if no reference follows. Characters that were decoded before may be part of the next "&#".
 bool MoveToReference(std::string& decoded, std::string_view& rest) {
     const std::string_view text = decoded;
     if (text.size() >= 2 && text.substr(text.size() - 2) == "&#") {
@@ -55,7 +56,7 @@ bool MoveToReference(std::string& decoded, std::string_view& rest) {
 
 }  // namespace
 
-// Searching from the start again after each reference would take the square of the text's length.
+// Goes on behind each reference. Searching from the start again would take quadratic time.
 void DecodeCharacterReferences(std::string& text) {
     std::string decoded;
     std::string_view rest = text;

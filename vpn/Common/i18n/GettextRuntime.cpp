@@ -18,14 +18,14 @@ struct Runtime {
     CTextDomains domains;
 };
 
-// Made by the first call, since libraries call from their own initialisation, and never destroyed,
-// since they call until the very end.
+// Created by the first call, because libraries call during their own initialisation. Never
+// destroyed, because libraries call until the process ends.
 Runtime& TheRuntime() {
     static Runtime* const runtime = new Runtime;
     return *runtime;
 }
 
-// Gives the fallback when there is no memory, for the runtime itself or for the result.
+// Returns the fallback if there is no memory, either for the runtime or for the result.
 template <class Action, class Result>
 Result WithDomains(Action action, Result fallback) {
     try {
@@ -37,8 +37,8 @@ Result WithDomains(Action action, Result fallback) {
     }
 }
 
-// Deliberately the whole of plural handling: the plural text is a key of its own, and a catalogue's
-// plural expression and further forms are never used.
+// Plurals are deliberately handled by this alone: the plural text is a key of its own. A
+// catalogue's plural expression and its further plural forms are never used.
 const char* ChooseKey(const char* singular, const char* plural, unsigned long count) {
     return count == 1 ? singular : plural;
 }
@@ -64,8 +64,8 @@ void set_locale_from_environment() {
                               static_cast<char*>(nullptr));
 }
 
-// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name): the names in the C library's
-// header are reserved to it.
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name): the C library's header uses
+// reserved names.
 TK_EXPORTED char* textdomain(const char* domain) noexcept {
     return WithDomains([=](CTextDomains& domains) { return domains.SetCurrent(domain); },
                        static_cast<char*>(nullptr));
@@ -77,7 +77,7 @@ TK_EXPORTED char* bindtextdomain(const char* domain, const char* directory) noex
     return isBound ? const_cast<char*>(domain) : nullptr;
 }
 
-// Strings are given as the catalogue has them; they are never converted.
+// Does nothing: strings are returned as the catalogue has them, and are never converted.
 TK_EXPORTED char* bind_textdomain_codeset(const char* /*domain*/,
                                           const char* /*codeset*/) noexcept {
     return nullptr;

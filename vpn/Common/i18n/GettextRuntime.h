@@ -2,23 +2,24 @@
 
 #include <string>
 
-// The program's own message translation. It serves the functions that <libintl.h> declares, to
-// the program and to the libraries that it loads (they find these names in the executable):
-// textdomain, bindtextdomain, bind_textdomain_codeset, gettext, dgettext, dcgettext, ngettext,
-// dngettext and dcngettext, and for the message catalogue those below.
+// The program's own message translation. It defines these functions of <libintl.h>: textdomain,
+// bindtextdomain, bind_textdomain_codeset, gettext, dgettext, dcgettext, ngettext, dngettext and
+// dcngettext. The libraries that the program loads use them too, because they find these names in
+// the executable. The functions below are for the message catalogue.
 //
-// Any thread, before static initialisation too: one private lock guards every call. A text that a
-// lookup gave stays valid until its domain's catalogue is released or the domain bound again. Only
-// the message catalogue does either, with its own domains, whose texts it copies under its own
-// lock; the texts of a library's domain therefore last for the process's life. The name that
-// textdomain() gives stands in one buffer, which changes with the current domain.
+// Any thread, also before static initialisation: one private lock guards every call. A text that a
+// lookup returned stays valid until its domain's catalogue is released or the domain is bound
+// again. Only the message catalogue does either. It does so only with its own domains, and copies
+// their texts under its own lock. The texts of a library's domain are therefore valid until the
+// process ends. textdomain() returns one buffer, whose contents change with the current domain.
 
-/// The charset that the current domain's loaded catalogue declares, as it stands there; else empty.
+/// Returns the charset that the current domain's loaded catalogue declares, unchanged. Empty if no
+/// catalogue is loaded or if it declares none.
 std::string current_textdomain_charset();
 
-/// Unloads a domain's catalogue; the next lookup loads it afresh.
+/// Unloads a domain's catalogue. The next lookup loads it again.
 void release_textdomain_catalog(const char* domain);
 
-/// Takes the process's locale from the environment. Apart from lookups, so that none reads the
-/// locale's name on another thread while that is being replaced.
+/// Sets the process's locale from the environment. It holds the lock, so that no lookup on another
+/// thread reads the locale's name while that name is being replaced.
 void set_locale_from_environment();

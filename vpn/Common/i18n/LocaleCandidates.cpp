@@ -5,7 +5,7 @@
 
 namespace {
 
-// A part is there when its separator is, even if nothing stands behind that.
+// A part exists if its separator does, even if nothing follows the separator.
 struct LocaleParts {
     std::string_view language;
     std::optional<std::string_view> territory;
@@ -59,7 +59,7 @@ bool CLocaleCandidates::Build(const char* localeName) {
         if (codeset) {
             AppendCandidate({language, "_", *territory, ".", *codeset});
         }
-        // The latest candidate once more, deliberately; looking there twice does no harm.
+        // Deliberately lists the latest candidate once more. Looking there twice does no harm.
         RepeatLastCandidate();
         Append(language);
         Append("-");

@@ -4,12 +4,12 @@
 #include <initializer_list>
 #include <string_view>
 
-/// Folder names under which a catalogue for a locale is looked for, best first: one text of fixed
-/// size, separated by ":", where empty entries mean nothing. Allocates nothing. Thread-unsafe.
+/// The folder names under which a locale's catalogue is searched, best first. They are one text of
+/// fixed size, separated by ":"; empty entries mean nothing. Allocates nothing. Thread-unsafe.
 class CLocaleCandidates {
 public:
-    /// Lists the candidates of a locale name; false, and then the list is of no use, when they do
-    /// not fit.
+    /// Lists the candidates of a locale name. Returns false if they do not fit; the list must not
+    /// be used then.
     [[nodiscard]] bool Build(const char* localeName);
 
     const char* Text() const { return m_text; }

@@ -7,7 +7,7 @@
 
 namespace {
 
-// Size of an open file when it is one that can be mapped, else 0.
+// Returns the size of an open file, or 0 if it is not a regular file or is too large.
 std::size_t MappableSize(int descriptor, std::size_t maximumSize) {
     struct stat status = {};
     if (fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) {

@@ -11,11 +11,11 @@ public:
     CMappedFile(const CMappedFile&) = delete;
     CMappedFile& operator=(const CMappedFile&) = delete;
 
-    /// Maps the file in place of the one before. False, with nothing mapped, when it cannot be
-    /// read, is no regular file, is empty or is larger than the maximum.
+    /// Maps the file and unmaps the previous one. Returns false, with nothing mapped, if the file
+    /// cannot be read, is not a regular file, is empty or is larger than the maximum.
     [[nodiscard]] bool Map(const char* path, std::size_t maximumSize);
 
-    /// Takes the mapping away: its bytes are no longer to be touched.
+    /// Unmaps the file. Its bytes must not be used afterwards.
     void Unmap();
 
     /// The file's bytes, valid until Unmap() or the next Map().

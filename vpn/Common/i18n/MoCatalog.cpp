@@ -16,12 +16,12 @@ constexpr std::size_t kTableEntrySize = 2 * kWordSize;
 constexpr std::size_t kHeaderSize = 5 * kWordSize;
 constexpr std::uint32_t kNowhere = std::numeric_limits<std::uint32_t>::max();
 
-// Takes words from the bytes in the byte order of the file. The caller keeps to their bounds.
+// Reads words from the bytes, in the byte order of the file. The caller checks the bounds.
 class WordReader {
 public:
     explicit WordReader(std::string_view bytes) : m_bytes(bytes) {}
 
-    // False when the magic is that of neither byte order.
+    // Returns false if the magic number matches neither byte order.
     bool DetectByteOrder() {
         const std::uint32_t magic = Word(0);
         m_swapped = magic == bswap_32(kMagic);
@@ -58,8 +58,8 @@ bool ReadTable(std::string_view bytes, const WordReader& reader, std::uint32_t t
     return true;
 }
 
-// Compares up to the first zero of either, bytes taken as unsigned. It stops behind the string's
-// length even if its zero has been overwritten in the file meanwhile.
+// Compares unsigned bytes up to the first zero of either. It never reads beyond the string's
+// terminating zero, even if the file has changed since and that zero was overwritten.
 int CompareBytes(const char* key, std::string_view string) {
     return std::strncmp(key, string.data(), string.size() + 1);
 }
@@ -104,7 +104,7 @@ const char* CMoCatalog::Find(const char* key) {
     return m_translations[index].data();
 }
 
-// A table out of order is not repaired: these probes decide which of its strings are found.
+// A table that is not sorted is not repaired: only the strings that these probes meet are found.
 std::size_t CMoCatalog::Search(const char* key) const {
     std::size_t low = 0;
     std::size_t high = m_originals.size();
@@ -122,8 +122,9 @@ std::size_t CMoCatalog::Search(const char* key) const {
     return m_originals.size();
 }
 
-// The entry with the empty original: the first one of a sorted catalogue. Deliberately no more is
-// looked at than halving the index reaches; a header elsewhere counts as none.
+// Returns the translation of the empty original, which is the first entry of a sorted catalogue.
+// Deliberately looks only at the entries that halving the index reaches. A header at any other
+// place counts as missing.
 const char* CMoCatalog::FindHeader() const {
     if (m_originals.empty()) {
         return nullptr;

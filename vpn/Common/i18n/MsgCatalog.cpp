@@ -33,7 +33,8 @@ struct CatalogState {
 
 CatalogState state;
 
-// Charset of the current domain's catalogue, which is loaded for that; empty when there is none.
+// Loads the current domain's catalogue if necessary and returns its charset; empty if there is
+// none.
 std::string LoadedCharset() {
     std::string charset = current_textdomain_charset();
     if (!charset.empty()) {
@@ -81,7 +82,7 @@ bool MsgCatalog::setCatalog(const std::string& catalogName) try {
     if (charset.empty()) {
         return true;
     }
-    // Its case counts, deliberately: a catalogue that declares "UTF-8" is refused.
+    // Deliberately case-sensitive: a catalogue that declares "UTF-8" is refused.
     if (charset == kSupportedCharset) {
         TK_LOG_INFORMATION("The character set is utf-8.");
         return true;
@@ -90,7 +91,7 @@ bool MsgCatalog::setCatalog(const std::string& catalogName) try {
     return false;
 } catch (const std::exception& error) {
     TK_LOG_ERROR("Caught message catalog exception - %s", error.what());
-    resetCatalog();  // it may be bound only in part
+    resetCatalog();  // the catalogue may be bound only in part
     return false;
 }
 
@@ -151,7 +152,7 @@ void MsgCatalog::getMessage(const char* identifier, const std::string& catalogNa
                             std::string& text) {
     const CManualLockGuard guard(state.lock);
     if (identifier != nullptr && identifier[0] != '\0') {
-        // Deliberately not undone: the last catalogue asked for stays the current one.
+        // Deliberately not undone: the catalogue that was asked for last stays the current one.
         setCatalog(catalogName);
     }
     getMessage(identifier, text);

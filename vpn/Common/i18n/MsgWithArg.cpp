@@ -14,11 +14,11 @@ namespace {
 constexpr std::size_t kMaximumArguments = 10;
 constexpr std::size_t kMaximumWidthDigits = 4;
 constexpr char kPositionCharacters[] = "$0123456789";
-// Writes nothing, but uses every position. The hardened C library ends a program whose format
-// leaves one out, as a translation may that does without an argument.
+// Prints nothing, but uses every position. The hardened C library ends a program if a format with
+// positions leaves one out, as a translation may do.
 constexpr char kEveryPosition[] = "%1$.0s%2$.0s%3$.0s%4$.0s%5$.0s%6$.0s%7$.0s%8$.0s%9$.0s%10$.0s";
 
-// Turns each conversion into one of a string, whatever stood there, a second "%" included.
+// Turns each conversion into a string conversion, whatever it was. A doubled "%" becomes one, too.
 std::string TakeArgumentsAsStrings(std::string format) {
     std::size_t position = format.find('%');
     while (position != std::string::npos) {
@@ -32,7 +32,8 @@ std::string TakeArgumentsAsStrings(std::string format) {
     return format;
 }
 
-// Conversion of an argument, counted from 1; nothing for one that is never passed.
+// Returns the conversion of an argument, counted from 1. Empty for an argument that is never
+// passed.
 std::string PositionalConversion(std::size_t number, std::string_view width) {
     if (number > kMaximumArguments) {
         return "";
@@ -40,8 +41,8 @@ std::string PositionalConversion(std::size_t number, std::string_view width) {
     return "%" + std::to_string(number) + "$" + std::string(width) + "s";
 }
 
-// Gives every string conversion of a format its position. Translations are not to be trusted with
-// more: what is no such conversion becomes plain text.
+// Gives every string conversion of a format its position. Translations are not trusted: everything
+// that is not such a conversion becomes plain text.
 class ConversionNumbering {
 public:
     std::string Number(std::string_view format) {
@@ -62,11 +63,13 @@ public:
     }
 
 private:
-    // The conversion whose "%" and "s" enclose the given position and width.
+    // Returns the conversion. The text inside is what stands between its "%" and its "s": the
+    // position and the width.
     std::string Conversion(std::string_view inside) {
         const std::size_t dollar = inside.find('$');
         if (dollar == std::string_view::npos) {
-            // Those with a width are counted apart, as the C library does beside positional ones.
+            // Conversions with a width are counted separately, as the C library does beside
+            // positional ones.
             return inside.size() > kMaximumWidthDigits
                        ? PlainText(inside)
                        : PositionalConversion(inside.empty() ? ++m_plain : ++m_padded, inside);
@@ -90,7 +93,7 @@ private:
     std::size_t m_padded = 0;
 };
 
-// The arguments as the ten that are always passed; those that are missing are empty.
+// Returns the ten arguments that are always passed. Missing ones are empty.
 std::array<const char*, kMaximumArguments> PassedArguments(
     const std::vector<std::string>& arguments) {
     std::array<const char*, kMaximumArguments> passed;

@@ -3,8 +3,9 @@
 #include <string>
 #include <vector>
 
-/// A message with string arguments, put together in the user's language only when it is rendered.
-/// Nothing is thrown: what there is no memory for is logged and left as it was. Thread-unsafe.
+/// A message with string arguments. It is composed in the user's language only when it is
+/// formatted. Throws nothing: if there is no memory for a change, that is logged and the message
+/// stays as it was. Thread-unsafe.
 class MsgWithArg {
 public:
     MsgWithArg() = default;
@@ -14,24 +15,25 @@ public:
 
     void setMessageId(const std::string& messageId);
 
-    /// The catalogue to translate from; empty for the current one.
+    /// Sets the catalogue to translate from. Empty means the current one.
     void setCatalog(const std::string& catalog);
 
-    /// Appends an argument; at most the first ten are rendered. A null one counts as empty.
+    /// Appends an argument. Only the first ten are used. A null argument counts as empty.
     void addArg(const std::string& argument);
     void addArg(const char* argument);
 
-    /// True when there is no identifier.
+    /// Whether there is no identifier.
     [[nodiscard]] bool isEmpty() const;
 
-    /// The untranslated text, valid until it is changed.
+    /// The untranslated text, valid until the identifier is changed.
     [[nodiscard]] const char* getMessageId() const;
 
     void clearArgs();
 
-    /// Sets the text to the message, translated if asked for, with its arguments in the places of
-    /// its printf-style conversions and character references decoded. With arguments every
-    /// conversion takes a string, a doubled "%" too; positions ("%2$s") allow another order.
+    /// Sets the text to the message, translated if asked for. The arguments replace the
+    /// printf-style conversions, and character references are decoded. If there are arguments,
+    /// every conversion takes a string, a doubled "%" too; positions ("%2$s") allow another order.
+    /// Without memory the text is empty.
     void format(std::string& text, bool translate) const;
 
 private:

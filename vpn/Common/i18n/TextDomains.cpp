@@ -17,7 +17,7 @@ constexpr char kDefaultDirectory[] = "/usr/share/locale";
 constexpr std::size_t kPathSize = 4096;
 constexpr std::size_t kMaximumCatalogSize = 1048576;
 
-// Folder of a locale category, or null for a number that has none.
+// Returns the folder name of a locale category, or null for a number that is not a category.
 const char* CategoryName(int category) {
     switch (category) {
         case LC_CTYPE:
@@ -46,7 +46,7 @@ bool IsRegularFile(const char* path) {
     return stat(path, &status) == 0 && S_ISREG(status.st_mode);
 }
 
-// Takes the first of the names that ":" separates off the list.
+// Removes the first name from a list separated by ":" and returns it.
 std::string_view TakeCandidate(std::string_view& list) {
     const std::size_t end = list.find(':');
     const std::string_view candidate = list.substr(0, end);
@@ -54,7 +54,7 @@ std::string_view TakeCandidate(std::string_view& list) {
     return candidate;
 }
 
-// A path that is too long is cut, and then names no catalogue.
+// A path that is too long is cut. The cut path names no catalogue.
 void FormatCatalogPath(char (&path)[kPathSize], const std::string& directory,
                        std::string_view candidate, const char* category,
                        const std::string& domain) {
@@ -100,7 +100,7 @@ char* CTextDomains::SetCurrent(const char* domain) {
 }
 
 bool CTextDomains::Bind(const char* domain, const char* directory) {
-    // A null directory asks for the present one elsewhere; that is not supported here.
+    // In the C library a null directory asks for the present one. That is not supported here.
     if (domain == nullptr || domain[0] == '\0' || directory == nullptr || directory[0] != '/' ||
         BoundedLength(domain, kNameSize) == kNameSize ||
         BoundedLength(directory, kNameSize) == kNameSize) {
@@ -185,8 +185,8 @@ bool CTextDomains::SelectCatalog(Binding& binding, const char* category) {
         }
         char path[kPathSize];
         FormatCatalogPath(path, binding.directory, candidate, category, binding.domain);
-        // A loaded catalogue stays, deliberately, even if it is another locale's: its strings are
-        // promised until somebody releases it or binds the domain again.
+        // Deliberately keeps a loaded catalogue, even if it is for another locale. Its strings are
+        // promised to stay valid until somebody releases it or binds the domain again.
         if (IsRegularFile(path) && (binding.isLoaded || binding.Load(path))) {
             m_lastBinding = &binding;
             m_lastCategory = category;
