@@ -30,8 +30,7 @@ CBrowserOperation::CBrowserOperation(BrowserOperationType operationType, bool sh
 
 bool CBrowserOperation::Serialize(std::string& json) const {
     json.clear();
-    // Unlike a result's, an operation's undefined type has a name that may be written: the wire
-    // has always carried it this way.
+    // Writes the undefined type under its name, unlike a result: the wire has always carried it so.
     const auto name = OperationTypeNames.find(m_type);
     if (name == OperationTypeNames.end()) {
         TK_LOG_ERROR("Undefined browser operation type.");
@@ -85,7 +84,8 @@ bool CBrowserOperation::Deserialize(const std::string& json) {
 }
 
 void CBrowserOperation::Reset() {
-    // The timeout stays: a reset record keeps the time limit of the operation before it.
+    // Keeps the timeout: after a reset the record still has the time limit of the operation before
+    // it.
     *this = CBrowserOperation(BrowserOperationType::undefined, false, m_timeout, "", "", "", "", "",
                               "");
 }

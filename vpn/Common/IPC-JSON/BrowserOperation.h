@@ -6,7 +6,8 @@
 #include "IBrowserOperation.h"
 #include "IJSONIpcMessage.h"
 
-/// The agent's request to the browser: one flat JSON object. A plain value, copied memberwise.
+/// The agent's request to the browser, sent as one flat JSON object. A plain value, copied
+/// memberwise.
 class CBrowserOperation : public IJSONIpcMessage, public IBrowserOperation {
 public:
     CBrowserOperation() = default;
@@ -14,14 +15,15 @@ public:
                       std::string url, std::string finalUrl, std::string cookieName,
                       std::string errorCookieName, std::string userAgent, std::string title);
 
-    /// Writes any type that has a name, the undefined one included; empty texts are left out.
+    /// Writes every type that has a name, also the undefined one. Leaves out empty texts.
     [[nodiscard]] bool Serialize(std::string& json) const override;
 
-    /// Refuses a document without a known operation; then the other fields keep their values.
-    /// Every other member may be missing or unreadable and then reads as false, 0 or empty.
+    /// Returns false for a malformed document or one without a known operation. All fields other
+    /// than the type then keep their values. A member other than the operation may be missing or
+    /// unreadable; it then reads as false, 0 or empty.
     [[nodiscard]] bool Deserialize(const std::string& json) override;
 
-    /// Back to the defaults, except for the timeout.
+    /// Resets every field to its default, except for the timeout.
     void Reset();
 
     [[nodiscard]] BrowserOperationType GetOperationType() const override { return m_type; }

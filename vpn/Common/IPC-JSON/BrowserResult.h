@@ -5,19 +5,22 @@
 #include "IBrowserResult.h"
 #include "IJSONIpcMessage.h"
 
-/// The browser's answer to one operation: one flat JSON object. A plain value, copied memberwise.
+/// The browser's answer to one operation, sent as one flat JSON object. A plain value, copied
+/// memberwise.
 class CBrowserResult : public IJSONIpcMessage, public IBrowserResult {
 public:
     CBrowserResult() = default;
     CBrowserResult(BrowserResultType resultType, std::string cookieValue);
 
-    /// Refuses a type without a name and the undefined one; an empty cookie value is left out.
+    /// Returns false for a type without a name and for the undefined type. Leaves out an empty
+    /// cookie value.
     [[nodiscard]] bool Serialize(std::string& json) const override;
 
-    /// Refuses a document without a known result; then the cookie value stays as it was.
+    /// Returns false for a malformed document or one without a known result. The cookie value then
+    /// stays as it was.
     [[nodiscard]] bool Deserialize(const std::string& json) override;
 
-    /// Back to the defaults.
+    /// Resets every field to its default.
     void Reset();
 
     [[nodiscard]] BrowserResultType GetResultType() const override { return m_type; }

@@ -4,7 +4,7 @@
 #include <string>
 #include <unordered_map>
 
-/// What the browser is to do. The values never cross the wire; the names do.
+/// What the browser is asked to do. The wire carries the names, never the values.
 enum class BrowserOperationType : std::int32_t {
     browse = 0,
     browse_for_cookie = -1,
@@ -28,6 +28,6 @@ enum class BrowserResultType : std::int32_t {
     undefined = -11,
 };
 
-/// The JSON names of the types. Built before main and constant from then on: any thread.
+/// The JSON names of the types. Initialised before main() and constant from then on. Any thread.
 extern const std::unordered_map<BrowserOperationType, std::string> OperationTypeNames;
 extern const std::unordered_map<BrowserResultType, std::string> ResultTypeNames;

@@ -1,6 +1,7 @@
 #include "FlatJson.h"
 
-// The JSON reader of this Boost asks for it; without it every build prints a note.
+// Boost's JSON reader uses the global bind placeholders. Without this macro every build prints a
+// note.
 #define BOOST_BIND_GLOBAL_PLACEHOLDERS
 
 #include <boost/property_tree/json_parser.hpp>

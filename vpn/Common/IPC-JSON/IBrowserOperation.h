@@ -4,8 +4,8 @@
 
 #include "BrowserTypes.h"
 
-/// What the browser is asked to do. Texts are the record's own: zero-terminated, never null, and
-/// valid for as long as the record lives unchanged.
+/// What the browser is asked to do. The texts belong to the record: they are zero-terminated, never
+/// null, and valid as long as the record lives unchanged.
 class IBrowserOperation {
 public:
     virtual ~IBrowserOperation() = default;

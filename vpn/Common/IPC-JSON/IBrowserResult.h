@@ -2,7 +2,7 @@
 
 #include "BrowserTypes.h"
 
-/// How an operation ended. The text is the record's own, as in IBrowserOperation.
+/// How an operation ended. The text belongs to the record, as in IBrowserOperation.
 class IBrowserResult {
 public:
     virtual ~IBrowserResult() = default;

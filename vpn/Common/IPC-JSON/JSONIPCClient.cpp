@@ -39,12 +39,12 @@ constexpr long kConnectTimeoutSeconds = 10;
 constexpr long kSendTimeoutSeconds = 1;
 constexpr long kJoinTimeoutSeconds = 1;
 
-// Whose records the steps of the start and of the end are.
+// The functions under whose names the steps of the start and of the end log.
 constexpr const char* kConstructor = "CJsonIpcClient";
 constexpr const char* kDestructor = "~CJsonIpcClient";
 
-// The engine starts child processes at any moment: no descriptor may be without the flag, not
-// even between two calls, so the socket is not opened by Asio.
+// The engine starts child processes at any moment. The socket must therefore be close-on-exec from
+// the moment when it is created. Asio cannot open it so.
 void OpenCloseOnExec(tcp::socket& socket) {
     const int descriptor = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, IPPROTO_TCP);
     if (descriptor < 0) {
@@ -62,35 +62,36 @@ void OpenCloseOnExec(tcp::socket& socket) {
     }
 }
 
-// A result is one small frame that the agent waits for. Held back for the acknowledgement of the
-// result before it, it could be 40 ms late.
+// A result is one small frame that the agent waits for. With Nagle's algorithm it could be held
+// back for up to 40 ms, until the previous result is acknowledged.
 void SendWithoutDelay(tcp::socket& socket) {
     error_code ignored;
     socket.set_option(tcp::no_delay(true), ignored);
 }
 
-// TCP can connect a socket to itself when nobody listens on its port and chance makes that port
-// its own, too.
+// TCP can connect a socket to itself: if nobody listens on the port, and the kernel by chance
+// chooses that same port for our end.
 bool IsConnectedToItself(const tcp::socket& socket) {
     error_code ignored;
     return socket.local_endpoint(ignored) == socket.remote_endpoint(ignored);
 }
 
-// A short read without an error was stopped by us.
+// A short read without an error means that we cancelled it.
 error_code AbortedUnless(bool isComplete, const error_code& error) {
     return error || isComplete ? error : error_code(boost::asio::error::operation_aborted);
 }
 
 }  // namespace
 
-/// What the I/O thread works on. Its handlers hold no reference to it, since it owns them.
+/// The state that the I/O thread works on. Its handlers hold no reference to it, because it owns
+/// them.
 struct CJsonIpcClient::Connection {
     enum class Phase {
         unconnected,  ///< no attempt has been made
-        connecting,   ///< the connect timer runs, and messages wait
-        reading,      ///< the connection stands, and a read is under way
-        stalled,      ///< it stands, but is read no more: a refusal or a failed send
-        over,         ///< the owner has been told of the end
+        connecting,   ///< the connect timer runs; messages wait
+        reading,      ///< connected; a read is under way
+        stalled,      ///< connected, but read no more after a refusal or a failed send
+        over,         ///< the end has been reported to the owner
     };
 
     CStartGate gate;
@@ -106,7 +107,7 @@ struct CJsonIpcClient::Connection {
     CJsonIpcFrameReader reader{kMaximumPayloadLength};
 
     CJsonIpcSendQueue sends;
-    /// Of the message that is being written: each has a new one.
+    /// The timer of the message that is being written. Each message has a new timer.
     std::optional<boost::asio::deadline_timer> sendTimer;
 
     [[nodiscard]] bool onIoThread() { return ioService.get_executor().running_in_this_thread(); }
@@ -188,7 +189,7 @@ bool CJsonIpcClient::startConnecting() {
 }
 
 void CJsonIpcClient::openGate() {
-    // From here on a callback can destroy this object: the copy keeps the gate.
+    // From here on a callback can destroy this object. The copy keeps the gate alive.
     const std::shared_ptr<Connection> connection = m_connection;
     if (connection != nullptr) {
         connection->gate.Open();
@@ -214,10 +215,12 @@ void CJsonIpcClient::joinIoThread() {
         }
         TK_LOG_ERROR_OF(kDestructor, "Failed to stop io service thread");
     } catch (const std::exception& error) {
-        // A callback destroys the object: the I/O thread cannot wait for itself.
+        // Joining throws if a callback destroys this object, because the I/O thread cannot wait for
+        // itself.
         TK_LOG_ERROR_OF(kDestructor, "Caught io service thread exception - %s", error.what());
     }
-    // The thread keeps what it works on, and touches this object no more once it looks up.
+    // The detached thread keeps the connection alive. Once its current handler has returned, it
+    // does not touch this object any more.
     m_ioThread->detach();
 }
 
@@ -231,7 +234,7 @@ void CJsonIpcClient::ioServiceThread(const std::shared_ptr<Connection>& connecti
         }
     } catch (const std::exception& error) {
         TK_LOG_ERROR("Caught io service thread exception - %s", error.what());
-        // No handler will run any more, and the owner would wait for ever.
+        // No handler will run any more. Without a report the owner would wait for ever.
         if (!connection->ioService.stopped()) {
             reportEndOfThread();
         }
@@ -274,7 +277,7 @@ void CJsonIpcClient::initIpc() {
 void CJsonIpcClient::handleConnectTimeout(const error_code& error) {
     Connection& connection = *m_connection;
     assert(connection.onIoThread());
-    // A timer that fires while the connect completes cannot be cancelled any more.
+    // A timer that expires while the connect completes cannot be cancelled any more.
     if (error == boost::asio::error::operation_aborted ||
         connection.phase != Connection::Phase::connecting) {
         return;
@@ -330,7 +333,7 @@ void CJsonIpcClient::handleReceived(const error_code& error, std::size_t bytesTr
         return;
     }
     if (nextSize == 0) {
-        // Deliberately silent towards the owner: the connection stays open and is read no more.
+        // Deliberately not reported to the owner: the connection stays open and is read no more.
         TK_LOG_ERROR("Failed to process received data");
         cancelPendingOperations();
         return;
@@ -353,8 +356,8 @@ void CJsonIpcClient::sendMessage(std::uint32_t messageId, const std::string& pay
 }
 
 bool CJsonIpcClient::postMessage(std::uint32_t messageId, const std::string& payload) try {
-    // What the message sets off can destroy this object before the call returns: the copy keeps
-    // the io_service.
+    // The message's effects can destroy this object before this call returns. The copy keeps the
+    // io_service alive.
     const std::shared_ptr<Connection> connection = m_connection;
     if (connection == nullptr) {
         return true;
@@ -411,15 +414,15 @@ void CJsonIpcClient::startWrite(const Send& send) {
 void CJsonIpcClient::handleSendTimeout(const error_code& error, const Send& send) {
     Connection& connection = *m_connection;
     assert(connection.onIoThread());
-    // A timer that fires while the write completes cannot be cancelled any more.
+    // A timer that expires while the write completes cannot be cancelled any more.
     if (error == boost::asio::error::operation_aborted || !CJsonIpcSendQueue::OnTimeout(*send)) {
         return;
     }
     TK_LOG_ERROR("Timed out sending message '%s'", MessageName(send->MessageId()));
     OnIpcSendError(send->MessageId());
     if (!connection.ioService.stopped()) {
-        // The write now ends as aborted and is reported once more: deliberate, and the layer
-        // above expects it.
+        // The cancelled write ends as aborted and is reported once more. This is deliberate, and
+        // the layer above expects it.
         cancelPendingOperations();
     }
 }

@@ -16,59 +16,60 @@ class error_code;
 
 class CJsonIpcSend;
 
-/// The framed TCP link to the agent on 127.0.0.1, with an I/O thread of its own.
+/// The framed TCP connection to the agent on 127.0.0.1, with an I/O thread of its own.
 ///
-/// Threads: constructed, destroyed and gated on the owner's thread; sendMessage() on any thread;
-/// every handler and every callback on the I/O thread. Handing over to the io_service is the only
-/// synchronisation.
+/// Threads: the owner's thread constructs and destroys the client, and opens its gate.
+/// sendMessage() may be called on any thread. Every handler and every callback runs on the I/O
+/// thread. Posting to the io_service is the only synchronisation.
 ///
-/// Callbacks are virtual, so none may come while the derived object is only half there. The most
-/// derived constructor calls openGate() last: until then the I/O thread dispatches nothing. The
-/// most derived destructor calls shutdown() first.
+/// Callbacks are virtual, so none may come before the derived object is complete. The most derived
+/// constructor must call openGate() last: until then the I/O thread runs no handler. The most
+/// derived destructor must call shutdown() first.
 class CJsonIpcClient {
 public:
-    /// Starts the I/O thread and the connection attempt. Never throws: the result is set to 0, or
-    /// to the code of what failed; then the object lives, unconnected, and is to be destroyed.
+    /// Starts the I/O thread and the connection attempt. Never throws: it sets the result to
+    /// success or to the code of the failure. After a failure the object is unconnected and must
+    /// still be destroyed.
     CJsonIpcClient(std::uint16_t port, ResultCode& result);
     virtual ~CJsonIpcClient();
     CJsonIpcClient(const CJsonIpcClient&) = delete;
     CJsonIpcClient& operator=(const CJsonIpcClient&) = delete;
 
-    /// Copies the message and has it written on the I/O thread, within one second from the moment
-    /// its own writing starts: messages wait for the connection, and for those before them.
-    /// Never blocks.
+    /// Copies the message and queues it for the I/O thread, which writes it. A message waits for
+    /// the connection and for the messages before it; once its own write has started, it has one
+    /// second. Never blocks.
     virtual void sendMessage(std::uint32_t messageId, const std::string& payload);
 
-    /// A message arrived; null and 0 when it has no payload. The bytes are gone when the call
-    /// returns.
+    /// A message arrived. If it has no payload, payload is null and length is 0. The bytes are
+    /// valid only during the call.
     virtual void OnMsgReceived(std::uint32_t messageId, const char* payload,
                                std::size_t length) = 0;
 
     /// A message was written completely.
     virtual void OnIpcSendComplete(std::uint32_t messageId) = 0;
 
-    /// A message could not be written, or not in time: a late one is reported twice.
+    /// A message could not be written, or not in time. A late message is reported twice.
     virtual void OnIpcSendError(std::uint32_t messageId) = 0;
 
-    /// There is no connection and no further attempt.
+    /// There is no connection and there will be no further attempt.
     virtual void OnIpcConnectError() = 0;
 
     /// Nothing more will be received: the peer is gone, or a failed send cancelled the read.
     virtual void OnIpcReceiveError() = 0;
 
 protected:
-    /// Lets the I/O thread dispatch its first handler. Once or more.
+    /// Lets the I/O thread run its handlers. May be called more than once.
     void openGate();
 
-    /// Stops the I/O loop and waits for its thread, one second at most. Handlers that have not
-    /// run yet never will. Once or more; only the first call counts.
+    /// Stops the I/O loop and waits at most one second for its thread. Handlers that have not run
+    /// yet never will. May be called more than once; only the first call counts.
     void shutdown();
 
-    /// As sendMessage(); false, and logged, when there is no memory to hand the message over. Then
-    /// no callback tells of it.
+    /// As sendMessage(). If there is no memory to queue the message, logs that and returns false;
+    /// then no callback reports the message.
     [[nodiscard]] bool postMessage(std::uint32_t messageId, const std::string& payload);
 
-    /// Starts the I/O thread unless it runs; false when it cannot be had.
+    /// Starts the I/O thread unless it runs already. Returns false if it cannot be started.
     [[nodiscard]] bool startIoServiceThread();
 
     /// Starts a connection attempt.
@@ -85,9 +86,10 @@ private:
     [[nodiscard]] bool startConnecting();
     void joinIoThread();
 
-    /// Tells the owner, once, that there is no connection or that it is over.
+    /// Reports to the owner, once, that there is no connection or that the connection is over.
     void reportEnd();
-    /// The same from outside of every handler, where nothing catches what a callback throws.
+    /// The same, called outside of every handler, where nothing else catches what a callback
+    /// throws.
     void reportEndOfThread();
 
     void handleConnectTimeout(const boost::system::error_code& error);
@@ -95,7 +97,7 @@ private:
 
     void startReceive(std::size_t size);
     void handleReceived(const boost::system::error_code& error, std::size_t bytesTransferred);
-    /// Delivers what came; gives the size of the next read, or 0 when it was refused.
+    /// Delivers the received data. Returns the size of the next read, or 0 if the data was refused.
     [[nodiscard]] std::size_t processReceivedData(std::size_t bytesTransferred);
 
     void startNextSend();
@@ -108,9 +110,9 @@ private:
 
     void cancelPendingOperations();
 
-    /// Shared with the I/O thread's function, so that it outlives whichever of the two ends first.
-    /// Null when the I/O service could not be made.
+    /// Shared with the I/O thread's function, so that it lives as long as either of the two. Null
+    /// if it could not be created.
     std::shared_ptr<Connection> m_connection;
-    /// Null until it is started.
+    /// Null until the thread is started.
     std::unique_ptr<boost::thread> m_ioThread;
 };

@@ -5,17 +5,19 @@
 #include <string>
 #include <vector>
 
-// The vocabulary of the wire. A message is a header of nine bytes (the message id, then the
-// payload's length as 64 little-endian bits) and the payload. No magic, version or checksum.
+// The wire format. A frame is a header of nine bytes, then the payload. The header is the message
+// id (one byte) and the payload's length (64 bits, little-endian). There is no magic number,
+// version or checksum.
 
-/// Carries an operation towards the helper and a result towards the agent: the one valid id.
+/// The only valid id. It stands for an operation sent to the helper and for a result sent to the
+/// agent.
 constexpr std::uint32_t kBrowserResultMessageId = 0;
 constexpr std::uint32_t kHighestMessageId = kBrowserResultMessageId;
 constexpr std::uint32_t kNoMessageId = kHighestMessageId + 1;
 
 constexpr std::size_t kFrameHeaderSize = 9;
 
-/// The longest payload that the helper accepts; what it sends has no such limit.
+/// The longest payload that the helper accepts, in bytes. What it sends has no such limit.
 constexpr std::size_t kMaximumPayloadLength = 2048;
 
 struct JsonIpcFrameHeader {
@@ -23,11 +25,11 @@ struct JsonIpcFrameHeader {
     std::uint64_t payloadLength;
 };
 
-/// Reads a header from kFrameHeaderSize bytes, of any alignment.
+/// Reads a header from kFrameHeaderSize bytes, which may have any alignment.
 [[nodiscard]] JsonIpcFrameHeader DecodeFrameHeader(const char* bytes);
 
-/// A whole frame; only the low 8 bits of the id travel.
+/// Returns a whole frame. Only the low 8 bits of the id are sent.
 [[nodiscard]] std::vector<char> EncodeFrame(std::uint32_t messageId, const std::string& payload);
 
-/// A message's name in the log.
+/// Returns a message's name for the log.
 [[nodiscard]] const char* MessageName(std::uint32_t messageId);

@@ -6,7 +6,7 @@
 
 namespace {
 
-// Whose records these are.
+// The function under whose name this class logs.
 constexpr char kFunction[] = "processReceivedData";
 
 constexpr JsonIpcFrameStep kRefusal{JsonIpcFrameStep::Outcome::refusal, kNoMessageId, nullptr, 0,

@@ -5,29 +5,29 @@
 
 #include "JsonIpcFrame.h"
 
-/// What a run of received bytes came to.
+/// What one run of received bytes gave.
 struct JsonIpcFrameStep {
     enum class Outcome {
-        message,  ///< complete; the next bytes are a header
-        need,     ///< a header was taken; the next bytes are its payload
-        refusal,  ///< not this protocol; logged
+        message,  ///< a complete message; the next bytes are a header
+        need,     ///< a header; the next bytes are its payload
+        refusal,  ///< not this protocol, which has been logged
     };
     Outcome outcome;
-    std::uint32_t messageId;  ///< of a message
-    const char* payload;      ///< of a message: in the bytes given; null when it has none
-    std::size_t length;       ///< of a message's payload
-    std::size_t nextSize;     ///< how many bytes the next run must have; 0 after a refusal
+    std::uint32_t messageId;  ///< only for a message
+    const char* payload;  ///< only for a message: within the given bytes; null if it has no payload
+    std::size_t length;   ///< only for a message: the payload's length
+    std::size_t nextSize;  ///< how many bytes the next run must have; 0 after a refusal
 };
 
-/// Takes messages out of a stream: no socket, no buffer, no clock. The owner reads exactly as many
-/// bytes as the last step asked for (a header's at first) and hands them over in one run.
+/// Extracts messages from a stream, without a socket, a buffer or a clock. The owner reads exactly
+/// as many bytes as the last step asked for (at first kFrameHeaderSize) and passes them in one run.
 /// Thread-unsafe: one thread at a time.
 class CJsonIpcFrameReader {
 public:
-    /// A longer payload is refused, and so is a longer run of bytes. At least kFrameHeaderSize.
+    /// Refuses longer payloads and longer runs of bytes. The maximum is at least kFrameHeaderSize.
     explicit CJsonIpcFrameReader(std::size_t maximumPayloadLength = kMaximumPayloadLength);
 
-    /// Judges the bytes of one read. A refusal is logged, and forgets a half-read message.
+    /// Processes the bytes of one read. A refusal is logged, and a half-read message is forgotten.
     [[nodiscard]] JsonIpcFrameStep ProcessReceivedData(const char* bytes, std::size_t count);
 
 private:

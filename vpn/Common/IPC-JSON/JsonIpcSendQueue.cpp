@@ -39,7 +39,7 @@ boost::system::error_code CJsonIpcSendQueue::OnWritten(const Send& send, std::si
     if (m_current == send) {
         m_current.reset();
     }
-    // A short write without an error was stopped by us.
+    // A short write without an error means that we cancelled it.
     return error || (isComplete && !isLate) ? error : boost::asio::error::operation_aborted;
 }
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-/// One message on its way out. Thread-unsafe.
+/// One outgoing message. Thread-unsafe.
 class CJsonIpcSend {
 public:
     CJsonIpcSend(std::uint32_t messageId, const std::string& payload);
@@ -16,17 +16,17 @@ public:
     [[nodiscard]] std::uint32_t MessageId() const { return m_messageId; }
     [[nodiscard]] const std::vector<char>& Frame() const { return m_frame; }
 
-    /// How many bytes are still to be written behind the given number; 0 stops the write.
+    /// Returns how many bytes are still to be written after the given number; 0 stops the write.
     [[nodiscard]] std::size_t BytesLeft(std::size_t written) const;
 
 private:
     friend class CJsonIpcSendQueue;
 
     enum class Phase {
-        waiting,    ///< none of it has been written
-        writing,    ///< its time runs
-        cancelled,  ///< the same, but no further byte is to be written
-        late,       ///< its time is over, however much was written
+        waiting,    ///< its write has not started
+        writing,    ///< its write and its timer run
+        cancelled,  ///< the same, but no further byte may be written
+        late,       ///< its timer has expired, however much was written
         over,       ///< its write has ended
     };
 
@@ -35,33 +35,33 @@ private:
     Phase m_phase = Phase::waiting;
 };
 
-/// The messages on their way out. One is written at a time, since two writes at once would mix
-/// their bytes; and none behind a frame that was cut, since the peer would take it for the rest.
-/// No socket, no clock. Thread-unsafe: the I/O thread's.
+/// The outgoing messages. One is written at a time, because two writes at once would mix their
+/// bytes. Nothing is written after a frame that was cut, because the peer would take it for the
+/// rest of that frame. No socket, no clock. Thread-unsafe: used on the I/O thread.
 class CJsonIpcSendQueue {
 public:
     using Send = std::shared_ptr<CJsonIpcSend>;
 
     void Add(Send send) { m_waiting.push_back(std::move(send)); }
 
-    /// Takes the next message, whose write is to start now unless IsCut(). Null while another is
-    /// being written, or when none waits.
+    /// Takes the next message. Its write must start now, unless IsCut(). Returns null while another
+    /// message is being written, or if none waits.
     [[nodiscard]] Send Start();
 
     [[nodiscard]] bool IsWriting() const { return m_current != nullptr; }
 
-    /// Whether a frame was written in part, so that every further message fails.
+    /// Whether a frame was written only in part. Every further message then fails.
     [[nodiscard]] bool IsCut() const { return m_isCut; }
 
-    /// A message's time is over. False when its write has ended, so that it was in time.
+    /// The timer of a message has expired. Returns false if its write had already ended, in time.
     [[nodiscard]] static bool OnTimeout(CJsonIpcSend& send);
 
-    /// A message's write has ended. Gives the message's own error: that of the write, or
-    /// "operation aborted" for one that was late or stopped on the way.
+    /// The write of a message has ended. Returns the message's own error: the error of the write,
+    /// or "operation aborted" if the message was late or was stopped before its end.
     [[nodiscard]] boost::system::error_code OnWritten(const Send& send, std::size_t written,
                                                       const boost::system::error_code& error);
 
-    /// Stops the write that is going on, and gives the messages that wait, which have failed.
+    /// Stops the current write. Removes and returns the waiting messages, which have failed.
     [[nodiscard]] std::deque<Send> Cancel();
 
 private:

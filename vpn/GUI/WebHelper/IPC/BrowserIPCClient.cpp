@@ -59,7 +59,7 @@ ResultCode CBrowserIpcClient::createSingletonInstance(std::uint16_t port,
 
 bool CBrowserIpcClient::releaseInstance(const IBrowserIpcClient* client) {
     if (client != s_instance) {
-        // Deliberate: a client of somebody else's making ends here too, and is not counted.
+        // Deliberate: a client that was made elsewhere is destroyed here too, and is not counted.
         return true;
     }
     if (--s_referenceCount > 0) {

@@ -6,20 +6,22 @@
 #include "IBrowserIpcClientCB.h"
 #include "JSONIPCClient.h"
 
-/// Connects to the agent on 127.0.0.1 and gives the process's one client; false, and a null
-/// client, when there is one already or it cannot be made. The callback (never null) outlives the
-/// client, and may be called before this returns. Owner's thread.
+/// Creates the process's one client, which connects to the agent on 127.0.0.1. Returns false, with
+/// a null client, if there is one already or if it cannot be created. The callback must not be null
+/// and must outlive the client. It may be called before this function returns. Owner's thread.
 [[nodiscard]] bool RegisterBrowserIpcClient(std::uint16_t port, IBrowserIpcClientCB* callback,
                                             IBrowserIpcClient** client);
 
-/// Ends the client: no callback comes after this. Not from inside a callback. Owner's thread.
+/// Destroys the client; no callback comes after this. Must not be called from a callback. Owner's
+/// thread.
 void UnregisterBrowserIpcClient(IBrowserIpcClient* client);
 
-/// Carries browser operations and results over the JSON transport. Made and ended on the owner's
-/// thread; the transport's callbacks come on the I/O thread.
+/// Receives browser operations and sends results over the JSON transport. Created and destroyed on
+/// the owner's thread. The transport's callbacks run on the I/O thread.
 class CBrowserIpcClient final : public IBrowserIpcClient, private CJsonIpcClient {
 public:
-    /// Makes the process's one instance, or gives a code and a null instance.
+    /// Creates the process's one instance. On failure returns an error code and sets the instance
+    /// to null.
     [[nodiscard]] static ResultCode createSingletonInstance(std::uint16_t port,
                                                             IBrowserIpcClientCB* callback,
                                                             CBrowserIpcClient** instance);
@@ -30,7 +32,7 @@ public:
 
     [[nodiscard]] ResultCode SendBrowserResult(const CBrowserResult& result) override;
 
-    // What the transport calls, on the I/O thread.
+    // Called by the transport, on the I/O thread.
     void OnMsgReceived(std::uint32_t messageId, const char* payload, std::size_t length) override;
     void OnIpcSendComplete(std::uint32_t messageId) override;
     void OnIpcSendError(std::uint32_t messageId) override;
@@ -42,10 +44,10 @@ private:
 
     CBrowserIpcClient(std::uint16_t port, IBrowserIpcClientCB* callback, ResultCode& result);
 
-    /// Gives one reference back; true when the client is to be destroyed.
+    /// Releases one reference. Returns true if the caller must destroy the client.
     [[nodiscard]] static bool releaseInstance(const IBrowserIpcClient* client);
 
-    // Touched on the owner's thread only.
+    // Used on the owner's thread only.
     static CBrowserIpcClient* s_instance;
     static std::uint32_t s_referenceCount;
 

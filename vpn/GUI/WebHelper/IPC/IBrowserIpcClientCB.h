@@ -2,26 +2,26 @@
 
 #include "IBrowserOperation.h"
 
-/// What the browser IPC client tells its user. Every method is called on the I/O thread, must not
-/// block for long, must not throw, and must not unregister the client.
+/// The callbacks of the browser IPC client. Each is called on the I/O thread. It must not block for
+/// long, must not throw and must not unregister the client.
 class IBrowserIpcClientCB {
 public:
-    /// The operation is gone when the call returns: copy what is kept.
+    /// An operation came. It is valid only during the call, so copy what must be kept.
     virtual void OnReceivedBrowserOperation(const IBrowserOperation& operation) = 0;
 
-    /// A message came that holds no operation.
+    /// A message came that contains no valid operation.
     virtual void OnReceivedInvalidBrowserOperation() = 0;
 
     /// A result was written completely.
     virtual void OnBrowserResultSent() = 0;
 
-    /// A result could not be written, or not in time: a late one is reported twice.
+    /// A result could not be written, or not in time. A late result is reported twice.
     virtual void OnBrowserResultSendError() = 0;
 
     /// There is no connection and there will be none.
     virtual void OnIpcConnectError() = 0;
 
-    /// The connection ended, or a failed send took it down.
+    /// The connection ended, or a failed send ended it.
     virtual void OnIpcReceiveError() = 0;
 
     virtual ~IBrowserIpcClientCB() = default;
