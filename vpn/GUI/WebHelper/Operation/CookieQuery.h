@@ -3,15 +3,16 @@
 #include <cstdint>
 #include <string>
 
-/// A question to the cookie store. Its answer comes with a copy of it.
+/// A query to the cookie store. The answer comes with a copy of the query.
 struct CookieQuery {
     enum class Purpose {
-        baseline,   ///< every cookie there is before the operation's load begins
-        page,       ///< the cookies of a page whose answer has come
+        baseline,   ///< every cookie, before the operation's load begins
+        page,       ///< the cookies of a page whose response has come
         finalPage,  ///< the cookies of the final page, which has finished
     };
     Purpose purpose;
     std::string uri;
-    /// The operation that asks: an answer that comes behind its result is nobody's.
+    /// The number of the operation that asks. An answer that comes after that operation's result is
+    /// dropped.
     std::uint64_t operation;
 };

@@ -26,7 +26,8 @@ void CCookieWatch::OnRequest() {
 
 void CCookieWatch::OnPage(const std::string& uri) {
     m_pageUri = uri;
-    // The store's change is told before the page's answer, but on another way: it may be late.
+    // The engine reports the store's change before the page's response, but through another
+    // channel, so the report may arrive later.
     m_pageOpen = true;
     m_due = m_changed || m_changesUntold;
 }

@@ -6,38 +6,39 @@
 
 #include "StoredCookie.h"
 
-/// Decides, for engines that hide "Set-Cookie", when the cookie store is worth asking and which of
-/// the cookies in its answer are new: those that did not stand in the store, with this value, when
-/// the operation began. One query is under way at a time. Thread-unsafe.
+/// For engines that hide "Set-Cookie": decides when to query the cookie store, and which cookies in
+/// the answer are new. A cookie is new if the store did not hold it, with this value, when the
+/// operation began. Only one query is under way at a time. Thread-unsafe.
 class CCookieWatch {
 public:
-    /// A new operation begins, or the current one has its result: nothing is asked until a baseline
-    /// is set. An answer that is still on its way must be told, too.
+    /// A new operation begins, or the current one has its result. No query is made until a baseline
+    /// is set. OnAnswered() must still be called for a query that is under way.
     void Begin();
 
-    /// What stood in the store when the operation began; nothing when that cannot be known.
+    /// Sets what the store held when the operation began; nothing if that is unknown.
     void SetBaseline(std::optional<std::vector<StoredCookie>> cookies);
 
     /// Some cookie in the store has changed.
     void OnCookiesChanged();
 
-    /// Cookie changes are no longer reported, for this operation and all that follow: every page
-    /// may have brought one.
+    /// Cookie changes are no longer reported, for this operation and all that follow. From now on
+    /// the store is queried after every page, because every page may have set a cookie.
     void OnChangesUntold() { m_changesUntold = true; }
 
-    /// The engine asks a server for something: later changes are no longer the last page's.
+    /// The engine sends a request. Later changes no longer belong to the last page.
     void OnRequest();
 
-    /// A page has come whose headers show no cookie.
+    /// A page's response has come, without a visible "Set-Cookie".
     void OnPage(const std::string& uri);
 
-    /// The URI to ask the store for now, once for each time that is due.
+    /// Returns the URI for which the store must be queried now, if a query is due. That query then
+    /// counts as under way.
     [[nodiscard]] std::optional<std::string> TakeQuery();
 
     /// The last query has been answered, or has failed.
     void OnAnswered() { m_inFlight = false; }
 
-    /// Those of the cookies that do not stand in the baseline, which is set.
+    /// Returns the cookies that are not in the baseline. The baseline must be set.
     [[nodiscard]] std::vector<StoredCookie> NewOnes(const std::vector<StoredCookie>& cookies) const;
 
 private:
@@ -45,7 +46,7 @@ private:
     bool m_changed = false;
     bool m_changesUntold = false;
     std::string m_pageUri;
-    // The last page's cookies may still be reported: nothing else has been asked for since.
+    // Whether a change may still belong to the last page: nothing was requested since.
     bool m_pageOpen = false;
     bool m_due = false;
     bool m_inFlight = false;

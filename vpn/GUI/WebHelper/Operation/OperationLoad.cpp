@@ -5,8 +5,8 @@
 
 namespace {
 
-// Of the loads whose certificate it refuses, the engine of API 4.1 cancels one in seven, each for
-// itself: so many in a row do not come by chance.
+// The engine of API 4.1 cancels one in seven of the loads whose certificate it refuses, each
+// independently of the others. Ten in a row do not come by chance.
 constexpr int kMostRepeatsOfCancelled = 10;
 
 }  // namespace
@@ -21,7 +21,7 @@ void COperationLoad::Prepare(const std::string& url) {
 
 void COperationLoad::Ask() {
     m_phase = Phase::waiting;
-    // Once reported as unresponsive, a process is not reported again.
+    // The engine reports an unresponsive process only once, so a stuck process must be ended now.
     if (isProcessStuck()) {
         m_port.EndProcess();
     }
@@ -41,7 +41,8 @@ bool COperationLoad::IsToCome() const {
 }
 
 bool COperationLoad::TakeAnswer() {
-    // A load that replaces another first brings the other's end, which already bears the new URI.
+    // When a load replaces another one, the engine first reports the end of the other load, with
+    // the new URI already.
     if (IsToCome()) {
         return false;
     }
@@ -51,7 +52,7 @@ bool COperationLoad::TakeAnswer() {
 
 void COperationLoad::OnStarted() {
     m_processHasLoaded = true;
-    // One that starts while the operation's own is not asked for yet is the last page's.
+    // A load that starts before the operation's own was requested belongs to the previous page.
     if (m_phase != Phase::waiting) {
         m_phase = m_phase == Phase::asked && m_isAwaited ? Phase::started : Phase::over;
     }
@@ -74,8 +75,8 @@ bool COperationLoad::RepeatCancelled() {
     return true;
 }
 
-// The engine can lose a load that takes the place of another while its first process is still
-// starting: the load starts, and then the view stops loading without a word of how it ended.
+// The engine can lose a load that replaces another one while the view's first process is still
+// starting: the load starts, and then the view stops loading and reports no end.
 bool COperationLoad::SurvivesStop() {
     if (m_phase != Phase::started) {
         return true;
@@ -90,7 +91,7 @@ bool COperationLoad::SurvivesProcess() {
         case Phase::waiting:
             return true;
         case Phase::asked:
-            // It was asked for while the process was already dying, and is lost with it.
+            // The load was requested while the process was already dying, and is lost with it.
             return repeatOnce();
         default:
             m_phase = Phase::over;
@@ -101,7 +102,7 @@ bool COperationLoad::SurvivesProcess() {
 void COperationLoad::OnResponsiveness(bool isResponsive) {
     m_isProcessResponsive = isResponsive;
     if (m_isAwaited && m_phase == Phase::asked && isProcessStuck()) {
-        // The load is lost with the process, and is repeated in a new one.
+        // This loses the load as well. It is repeated in a new process.
         m_port.EndProcess();
     }
 }

@@ -4,8 +4,8 @@
 
 class IPageOperationPort;
 
-/// Tracks the load that the current operation asks for: tells its events from those of the page
-/// before, and asks again for a load that the engine lost. Thread-unsafe.
+/// Tracks the current operation's load, ignores the previous page's events, and repeats a load that
+/// the engine lost. Thread-unsafe.
 class COperationLoad {
 public:
     /// The port is not owned and must outlive this.
@@ -13,45 +13,49 @@ public:
     COperationLoad(const COperationLoad&) = delete;
     COperationLoad& operator=(const COperationLoad&) = delete;
 
-    /// A new operation will ask for this page. Until its load has started, every event is one of
-    /// the page before.
+    /// A new operation will load this page. Until that load has started, every event belongs to the
+    /// previous page.
     void Prepare(const std::string& url);
 
-    /// Has the page loaded. A web process that is stuck in the page before is ended first.
+    /// Requests the load. A web process that is stuck in the previous page is ended first.
     void Ask();
 
     /// The web view was replaced by a new one, which loads nothing yet.
     void Forget();
 
-    /// Whether what the engine tells belongs to the page before.
+    /// Whether this load has not started yet. The engine's reports then belong to the previous
+    /// page.
     [[nodiscard]] bool IsToCome() const;
 
-    /// The engine tells how a load goes on. True when it is this one, which can be lost no more.
+    /// The engine reports how a load goes on. Returns false if the report belongs to the previous
+    /// page. Otherwise this load counts as answered and can no longer be lost.
     [[nodiscard]] bool TakeAnswer();
 
     void OnStarted();
 
-    /// The operation has its result: its load goes on as it will, and is not asked for again.
+    /// The operation has its result. Its load may go on but is not repeated.
     void OnResult();
 
-    /// The engine cancelled a load without being asked. True when this load is asked for again.
+    /// The engine cancelled a load by itself. Returns true if this load is requested again.
     [[nodiscard]] bool RepeatCancelled();
 
-    /// The web view has stopped loading and told no reason. False when this load is lost for good.
+    /// The web view has stopped loading and no end was reported. Returns false if this load is lost
+    /// for good.
     [[nodiscard]] bool SurvivesStop();
 
-    /// The web process has ended. False when this load has ended with it.
+    /// The web process has ended. Returns false if this load has ended with it.
     [[nodiscard]] bool SurvivesProcess();
 
-    /// Ends a web process that is stuck in the page before and keeps this load from starting.
+    /// The web process has become responsive or unresponsive. If it is stuck in the previous page
+    /// and keeps this load from starting, it is ended.
     void OnResponsiveness(bool isResponsive);
 
 private:
     enum class Phase {
-        waiting,  ///< it has not been asked for yet
-        asked,    ///< it has not started yet
-        started,  ///< nothing has come of it yet
-        over,     ///< it has been committed, has ended, or there is none
+        waiting,  ///< not requested yet
+        asked,    ///< requested, but not started yet
+        started,  ///< started, but not committed yet
+        over,     ///< committed or ended, or there is no load
     };
 
     [[nodiscard]] bool isProcessStuck() const;
@@ -64,7 +68,7 @@ private:
     bool m_isAwaited = false;
     bool m_isRepeated = false;
     int m_repeatsOfCancelled = 0;
-    // A process that has not yet begun a load may be slow to start, which is no reason to end it.
+    // A process that has not begun any load may only be slow to start. It is not ended for that.
     bool m_processHasLoaded = false;
     bool m_isProcessResponsive = true;
 };

@@ -17,8 +17,8 @@ void CPageOperation::Begin(const std::string& url, const std::string& finalUrl,
     m_cookieWatch.Begin();
     m_load.Prepare(url);
     if (m_wanted.AreWanted() && m_port.CanQueryCookies()) {
-        // The load waits for the answer: a quick page's cookie would otherwise stand in the store
-        // before it, and be taken for one that had always been there.
+        // The load waits for this answer. Otherwise a quick page's cookie could be in the store
+        // before the answer, and would count as an old cookie.
         query(CookieQuery::Purpose::baseline, m_finalUrl);
     } else {
         m_load.Ask();
@@ -54,7 +54,7 @@ void CPageOperation::OnPageFinished(const std::string& uri) {
 
 bool CPageOperation::OnLoadFailed(const PageFailure& failure) {
     if (IsNetworkProcessLoss(failure.code)) {
-        // The engine tells of no cookie that changes in the new process.
+        // The engine reports no cookie changes in the new network process.
         m_cookieWatch.OnChangesUntold();
     }
     const LoadFailure kind = ClassifyLoadFailure(failure.code);
@@ -110,7 +110,7 @@ void CPageOperation::OnResponse(const PageResponse& response) {
         endWith(m_wanted.FindInHeader(*response.setCookie));
         return;
     }
-    // Today's engines hide the header. What it did to the store still shows.
+    // Current engines hide the header. Its effect on the store still shows.
     m_cookieWatch.OnPage(response.uri);
     queryForPage();
 }
@@ -146,7 +146,8 @@ void CPageOperation::OnCookies(const CookieQuery& query,
 }
 
 void CPageOperation::decideByFinalPage(const std::vector<StoredCookie>& cookies) {
-    // Without any cookie the operation stays open on purpose: the sign-in may still be going on.
+    // Without any cookie the operation stays open on purpose, because the sign-in may still be
+    // going on.
     if (cookies.empty()) {
         return;
     }

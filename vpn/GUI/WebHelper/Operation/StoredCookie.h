@@ -2,7 +2,7 @@
 
 #include <string>
 
-/// A cookie as the engine's store has it. Its value is a secret: it is never logged.
+/// A cookie in the engine's store. Its value is a secret: it is never logged.
 struct StoredCookie {
     std::string name;
     std::string value;

@@ -13,25 +13,25 @@ struct DecidingCookie {
     std::string value;
 };
 
-/// The names of the two cookies that decide an operation: one means success, the other an error of
-/// the server's. A cookie without a value decides nothing. Immutable.
+/// The names of the two cookies that decide an operation: one means success, the other means that
+/// the server refused. A cookie without a value decides nothing. Immutable.
 class CWantedCookies {
 public:
-    /// Wants none.
+    /// No cookie is wanted.
     CWantedCookies() = default;
     CWantedCookies(std::string name, std::string errorName);
 
-    /// Whether the operation is one for a cookie.
+    /// Whether the operation wants a cookie.
     [[nodiscard]] bool AreWanted() const { return !m_name.empty(); }
 
-    /// Looks into the text of a "Set-Cookie" header, for the error cookie last.
+    /// Searches the text of a "Set-Cookie" header, for the error cookie last.
     [[nodiscard]] std::optional<DecidingCookie> FindInHeader(const std::string& header) const;
 
-    /// The first of the list that is either.
+    /// Returns the first cookie of the list that is one of the two.
     [[nodiscard]] std::optional<DecidingCookie> FindFirst(
         const std::vector<StoredCookie>& cookies) const;
 
-    /// The first of the list that means success; where there is none, the first error cookie.
+    /// Returns the first cookie of the list that means success, or else the first error cookie.
     [[nodiscard]] std::optional<DecidingCookie> FindPreferred(
         const std::vector<StoredCookie>& cookies) const;
 

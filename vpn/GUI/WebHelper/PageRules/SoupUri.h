@@ -4,8 +4,8 @@
 
 #include <memory>
 
-// What differs between libsoup 2.4, which has URIs of its own, and libsoup 3, which takes GLib's.
-// Cookies and message headers bear the same names in both.
+// The differences between libsoup 2.4, which has its own type for URIs, and libsoup 3, which uses
+// GLib's. Cookies and message headers have the same names in both.
 
 #if SOUP_CHECK_VERSION(3, 0, 0)
 
@@ -16,7 +16,7 @@ using SoupUriPtr = std::unique_ptr<GUri, SoupUriFree>;
 
 /// Null when the text is no URI.
 inline SoupUriPtr ParseUri(const char* text) {
-    // As forgiving as the older library.
+    // As lenient as the older library.
     const int flags = SOUP_HTTP_URI_FLAGS | G_URI_FLAGS_PARSE_RELAXED;
     return SoupUriPtr(g_uri_parse(text, static_cast<GUriFlags>(flags), nullptr));
 }

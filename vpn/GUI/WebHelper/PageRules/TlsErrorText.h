@@ -4,5 +4,5 @@
 
 #include <string>
 
-/// One sentence, each with a blank behind it, for every flag that is set, in a fixed order.
+/// Returns one sentence for every flag that is set, in a fixed order, each followed by a blank.
 std::string TlsErrorsToText(GTlsCertificateFlags errors);

@@ -1,4 +1,4 @@
 #pragma once
 
-/// True when both texts are URIs with a host and the hosts are equal, letter case included.
+/// True if both texts are URIs with a host, and the hosts are equal, letter case included.
 bool HaveEqualHosts(const char* firstUri, const char* secondUri);

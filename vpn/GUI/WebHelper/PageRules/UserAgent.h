@@ -3,11 +3,12 @@
 #include <optional>
 #include <string>
 
-/// A user agent as the engine wants it; the version may be empty or hold further slashes.
+/// A user agent in the form that the engine takes. The version may be empty or contain more
+/// slashes.
 struct UserAgent {
     std::string applicationName;
     std::string applicationVersion;
 };
 
-/// Splits a text at its first "/"; nothing when it has none.
+/// Splits a text at its first "/". Returns nothing if the text has none.
 std::optional<UserAgent> SplitUserAgent(const std::string& text);
