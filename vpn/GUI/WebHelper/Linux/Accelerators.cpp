@@ -12,7 +12,7 @@ WebKitWebView* WebViewOf(GObject* window) {
     return WEBKIT_WEB_VIEW(gtk_bin_get_child(GTK_BIN(window)));
 }
 
-// The result of each action: the key is handled, the page does not see it.
+// Each action returns TRUE: the key is handled, and the page does not get it.
 
 gboolean reloadCB(GtkAccelGroup* /*group*/, GObject* window) {
     webkit_web_view_reload(WebViewOf(window));
@@ -27,8 +27,8 @@ gboolean goBackCB(GtkAccelGroup* /*group*/, GObject* window) {
     return TRUE;
 }
 
-// A step that would leave the range is dropped whole, not clamped, so that the levels reached are
-// always powers of the factor and the way back leads over the same ones.
+// A step that would leave the range is ignored, not clamped. The levels therefore stay powers of
+// the factor, and zooming back passes through the same levels.
 
 gboolean zoomInCB(GtkAccelGroup* /*group*/, GObject* window) {
     WebKitWebView* const webView = WebViewOf(window);

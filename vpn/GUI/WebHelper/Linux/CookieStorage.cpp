@@ -13,7 +13,7 @@ namespace {
 
 constexpr char kCookieFile[] = "tkwebhelper.cookies.sqlite";
 
-// The folder of the user's data; empty when the password database knows no home.
+// The folder of the user's data; empty if the password database does not know the user.
 std::string DataDirectory() {
     const passwd* const user = getpwuid(geteuid());
     return user != nullptr ? std::string(user->pw_dir) + "/.velto/" : "";
@@ -28,10 +28,10 @@ void KeepCookiesInHome(WebKitCookieManager* manager) {
         return;
     }
     const std::string file = directory + kCookieFile;
-    // A new one is private by the process's file mode mask; one of old may not be.
+    // The process's umask makes a new file private. An older file may not be.
     chmod(file.c_str(), S_IRUSR | S_IWUSR);
     webkit_cookie_manager_set_persistent_storage(manager, file.c_str(),
                                                  WEBKIT_COOKIE_PERSISTENT_STORAGE_SQLITE);
-    // Set here only: without a store the engine's own policy stays on purpose.
+    // Set only here, on purpose: without a store the engine's own policy stays.
     webkit_cookie_manager_set_accept_policy(manager, WEBKIT_COOKIE_POLICY_ACCEPT_NO_THIRD_PARTY);
 }

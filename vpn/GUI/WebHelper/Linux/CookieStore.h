@@ -11,12 +11,12 @@
 #include "StoredCookie.h"
 #include "WebKitSymbolResolver.h"
 
-/// The engine's cookie store, asked through the functions that are looked up at run time. Main
-/// thread only.
+/// Queries the engine's cookie store, through functions that are looked up at run time. Main thread
+/// only.
 class CCookieStore {
 public:
-    /// Takes the cookies, or nothing when the query failed, which has been logged. Called once for
-    /// each query, later, on the main loop; never after the end of the object that was asked.
+    /// Receives the cookies, or nothing if the query failed, which has been logged. Called once for
+    /// each query, later, on the main loop; never after this object was destroyed.
     using Answer = std::function<void(std::optional<std::vector<StoredCookie>>)>;
 
     /// The manager is not owned.
@@ -24,13 +24,13 @@ public:
     CCookieStore(const CCookieStore&) = delete;
     CCookieStore& operator=(const CCookieStore&) = delete;
 
-    /// False with an engine that lacks the functions: then nothing may be asked.
+    /// False if the engine lacks the functions. No query may be made then.
     [[nodiscard]] static bool CanBeAsked();
 
-    /// Asks for the cookies that a request for this URI would carry.
+    /// Queries the cookies that a request for this URI would carry.
     void QueryFor(const std::string& uri, Answer answer) const;
 
-    /// Asks for every cookie, or, with an engine that cannot tell, for those of this URI.
+    /// Queries every cookie. If the engine cannot list them all, queries those for this URI.
     void QueryAll(const std::string& uri, Answer answer) const;
 
 private:

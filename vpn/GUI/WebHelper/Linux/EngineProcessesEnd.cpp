@@ -16,7 +16,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A child belongs to the thread that started it, and is listed there.
+// The kernel lists a child with the thread that started it.
 std::vector<pid_t> Children() {
     std::vector<pid_t> children;
     std::error_code error;
@@ -35,8 +35,9 @@ std::string ProgramOf(pid_t process) {
     return fs::read_symlink("/proc/" + std::to_string(process) + "/exe", error).filename();
 }
 
-// Whether it waits in its main loop, where it notices our end. One that runs, is stopped, or waits
-// for anything else would notice late or never; so might one whose place the kernel does not tell.
+// True if the process polls in its main loop and will notice our exit. False if it runs, is stopped
+// or waits for anything else, because it would then notice our exit late or never. False also if
+// the kernel does not tell where the process waits.
 bool IsInItsLoop(pid_t process) {
     std::ifstream file("/proc/" + std::to_string(process) + "/wchan");
     std::string place;
@@ -47,13 +48,14 @@ bool IsInItsLoop(pid_t process) {
 void End(pid_t process) {
     const std::string program = ProgramOf(process);
     if (program == "WebKitWebProcess") {
-        // It keeps nothing that could be lost. Killed needlessly, it would give its memory back
-        // at the same time as this process, which then takes 3 ms longer to end.
+        // A web process keeps nothing that could be lost. But if it is killed needlessly, it frees
+        // its memory at the same time as this process, which then takes 3 ms longer to end.
         if (!IsInItsLoop(process)) {
             kill(process, SIGKILL);
         }
     } else if (program == "WebKitNetworkProcess") {
-        // It writes the cookies: awake, it notices our end and ends with its work done.
+        // The network process writes the cookies. If it is stopped, SIGCONT wakes it: it then
+        // notices our exit and ends with its work done.
         kill(process, SIGCONT);
     }
 }

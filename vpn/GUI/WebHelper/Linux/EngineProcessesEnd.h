@@ -1,9 +1,9 @@
 #pragma once
 
-/// At its own end, sees to it that no process of the engine outlives this one. They end by
-/// themselves when this process does, but one that is stopped, or whose page keeps it busy, would
-/// not notice. To be destroyed on the main thread, after the window; any descriptor of theirs is
-/// then of no more use.
+/// Its destructor makes sure that no process of the engine outlives this one. The engine's
+/// processes normally end by themselves when this process ends. But a process that is stopped, or
+/// that its page keeps busy, would not notice. Must be destroyed on the main thread, after the
+/// window. Descriptors of these processes are useless afterwards.
 class CEngineProcessesEnd {
 public:
     CEngineProcessesEnd() = default;

@@ -24,7 +24,7 @@ GtkBrowserController::GtkBrowserController(GtkApplication* application, std::uin
 
 GtkBrowserController::~GtkBrowserController() {
     assert(IsMainThread());
-    // The client goes first: when it is given back, no callback can reach the window any more.
+    // The client is released first: after that no callback can reach the window.
     if (m_ipcClient != nullptr) {
         UnregisterBrowserIpcClient(m_ipcClient);
         m_ipcClient = nullptr;

@@ -9,14 +9,14 @@
 #include "IBrowserIpcClient.h"
 #include "IBrowserIpcClientCB.h"
 
-/// Joins the agent's connection to the browser window: operations in, results out, and the
-/// application's end when the connection fails or the agent asks for it.
+/// Connects the agent's side with the browser window: it passes operations in and results out, and
+/// ends the application when the connection fails or the agent asks for it.
 ///
-/// Made, used and destroyed on the main thread; the callbacks run on the I/O thread.
+/// Created, used and destroyed on the main thread. The callbacks run on the I/O thread.
 class GtkBrowserController final : public IBrowserIpcClientCB {
 public:
-    /// Connects to the agent's port, makes the window and tells the agent that it is ready.
-    /// ok is false when no connection could be set up; the application is then asked to quit.
+    /// Starts the connection to the agent's port, creates the window and sends `ready`. Sets ok to
+    /// false if no connection could be set up; the application is then asked to quit.
     GtkBrowserController(GtkApplication* application, std::uint16_t port, bool& ok);
     ~GtkBrowserController() override;
     GtkBrowserController(const GtkBrowserController&) = delete;
@@ -29,17 +29,17 @@ public:
     void OnIpcConnectError() override;
     void OnIpcReceiveError() override;
 
-    /// Sends one result to the agent; a failure is logged and nothing more. Main thread.
+    /// Sends one result to the agent. A failure is logged and has no other effect. Main thread.
     virtual void HandleResult(CBrowserResult& result);
 
 private:
     [[nodiscard]] bool registerBrowserIpcClient(std::uint16_t port);
 
-    // Held, not only pointed to: the I/O thread may ask for the application's end until the IPC
-    // client is given back, which is after the main loop has let the application go.
+    // Holds a reference, because the I/O thread may quit the application until the IPC client is
+    // released. That is after the main loop has released the application.
     GObjectPtr<GtkApplication> m_application;
     IBrowserIpcClient* m_ipcClient = nullptr;
     std::unique_ptr<GtkBrowserWindow> m_browserWindow;
-    // What the I/O thread sees of the window: null until it stands.
+    // The window for the I/O thread. Null until the window is complete.
     std::atomic<GtkBrowserWindow*> m_readyWindow{nullptr};
 };

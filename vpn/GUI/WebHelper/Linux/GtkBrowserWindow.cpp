@@ -32,7 +32,7 @@ constexpr int kWindowHeight = 600;
 constexpr guint kMiddleButton = 2;
 constexpr char kWindowIcon[] = "/resources/vpnui128.png";
 
-// The window does without an icon where the suite's resources are missing.
+// If the suite's resources are missing, the window has no icon.
 void SetWindowIcon(GtkWindow* window) {
     GError* rawError = nullptr;
     gtk_window_set_icon_from_file(window, (std::string(kInstallRoot) + kWindowIcon).c_str(),
@@ -40,7 +40,7 @@ void SetWindowIcon(GtkWindow* window) {
     const GErrorPtr ignored(rawError);
 }
 
-// GLib counts the timeout in milliseconds in as many bits as it takes seconds in.
+// GLib converts the seconds to milliseconds in an integer of the same size. More would overflow.
 guint LongestTimeoutAtMost(std::uint32_t seconds) {
     return std::min<guint>(seconds, std::numeric_limits<guint>::max() / 1000);
 }
@@ -65,7 +65,7 @@ std::string UriOf(WebKitWebView* webView) {
     return TextOf(webkit_web_view_get_uri(webView));
 }
 
-// 0 for a page that came without an answer.
+// 0 for a page without a response.
 guint StatusOfPage(WebKitWebView* webView) {
     WebKitWebResource* const resource = webkit_web_view_get_main_resource(webView);
     WebKitURIResponse* const response =
@@ -73,8 +73,8 @@ guint StatusOfPage(WebKitWebView* webView) {
     return response != nullptr ? webkit_uri_response_get_status_code(response) : 0;
 }
 
-// With the newer API the engine cancels some of the loads whose certificate it refuses, where it
-// should tell of the certificate. It cancels no load for another reason, nor without TLS.
+// With the newer API the engine cancels some of the loads whose certificate it refuses, instead of
+// reporting the certificate. It cancels loads for no other reason, and never without TLS.
 bool IsCancelledByEngine(const GError* error, const char* uri) {
     return SOUP_MAJOR_VERSION >= 3 && g_str_has_prefix(uri, "https:") != FALSE &&
            g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED) != FALSE;
@@ -195,8 +195,9 @@ struct GtkBrowserWindow::Callbacks {
         return TRUE;
     }
 
-    // The engine can stop a load without a word of how it ended. An end that is told comes right
-    // behind this.
+    // The engine can stop a load without reporting how it ended. If it does report an end, the
+    // report follows immediately, so the operation hears of the stop only when the main loop is
+    // idle.
     static void isLoadingChangedCB(WebKitWebView* webView, GParamSpec* /*property*/,
                                    GtkBrowserWindow* self) {
         RemoveSource(self->m_parts->loadStoppedSource);
@@ -260,7 +261,7 @@ struct GtkBrowserWindow::Callbacks {
             webkit_navigation_action_get_mouse_button(action) != kMiddleButton) {
             return FALSE;
         }
-        // No second window is ever made: what would open one is loaded in this view.
+        // There is never a second window: what would open one is loaded in this view.
         webkit_web_view_load_request(webView, webkit_navigation_action_get_request(action));
         webkit_policy_decision_ignore(decision);
         return TRUE;
@@ -305,7 +306,8 @@ void GtkBrowserWindow::init(GtkApplication* application) {
     ConnectAccelerators(m_parts->acceleratorGroup.get());
     g_signal_connect(window, "delete-event", G_CALLBACK(Callbacks::onDeleteEvent), this);
     m_parts->webContext.reset(webkit_web_context_new());
-    // Newer engines choose their processes themselves and call this deprecated; older ones obey.
+    // Newer engines choose their processes themselves and deprecate this call. Older engines obey
+    // it.
     G_GNUC_BEGIN_IGNORE_DEPRECATIONS
     webkit_web_context_set_process_model(m_parts->webContext.get(),
                                          WEBKIT_PROCESS_MODEL_SHARED_SECONDARY_PROCESS);
@@ -369,8 +371,8 @@ void GtkBrowserWindow::removeWebView() {
 
 void GtkBrowserWindow::HandleOperation(const CBrowserOperation& operation) {
     auto block = std::make_unique<QueuedOperation>(QueuedOperation{this, operation});
-    // Cleared now, not when the operation starts: an event of the page before that comes in
-    // between is meant to count as this operation's result.
+    // Cleared now, not when the operation starts. This is meant so: an event of the previous page
+    // that comes in between counts as this operation's result.
     m_resultSent = false;
     gdk_threads_add_idle_full(G_PRIORITY_HIGH_IDLE, handleOperationCB, block.release(), nullptr);
 }
@@ -388,7 +390,7 @@ void GtkBrowserWindow::carryOut(const CBrowserOperation& operation) {
                      operation.GetTimeout());
             break;
         case BrowserOperationType::browse_for_cookie:
-            // No timeout on purpose: a person may take any time to sign in.
+            // No timeout on purpose, because a person may take any time to sign in.
             LoadPage(operation.GetUrl(), operation.GetFinalUrl(), operation.GetCookieName(),
                      operation.GetErrorCookieName(), operation.GetUserAgent(), 0);
             break;
@@ -414,7 +416,8 @@ void GtkBrowserWindow::LoadPage(const std::string& url, const std::string& final
     }
     m_parts->operation.Begin(url, finalUrl, {cookieName, errorCookieName});
     if (timeout != 0) {
-        // An earlier timeout is overwritten and still fires: it ends whatever runs then.
+        // The timeout of an operation that was replaced is not removed. It still fires, and ends
+        // whichever operation runs then.
         m_parts->timeoutSource = gdk_threads_add_timeout_seconds(LongestTimeoutAtMost(timeout),
                                                                  Callbacks::onLoadTimeout, this);
     }
@@ -464,8 +467,8 @@ void GtkBrowserWindow::queryCookies(const CookieQuery& query) {
 
 void GtkBrowserWindow::SendResult(CBrowserResult& result, bool resultSentAfter) {
     RemoveSource(m_parts->timeoutSource);
-    // The flag has its new value before the handler is called: an agent may answer a result with
-    // its next operation at once, and that operation's clearing must come last.
+    // The flag gets its new value before the handler is called. An agent may answer a result at
+    // once with its next operation, and that operation's clearing of the flag must come last.
     if (m_resultSent.exchange(resultSentAfter)) {
         return;
     }

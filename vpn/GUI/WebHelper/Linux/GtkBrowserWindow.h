@@ -12,18 +12,18 @@
 
 struct CookieQuery;
 
-/// The one browser of the process: a top-level window with a web view. It carries out browser
-/// operations in the order in which they come and hands exactly one result for each to its
-/// result handler. What the engine tells goes to a CPageOperation, which decides.
+/// The process's one browser: a top-level window with a web view. It carries out browser operations
+/// in the order in which they come, and passes exactly one result for each to its result handler.
+/// The engine's events go to a CPageOperation, which decides.
 ///
-/// Made, used and destroyed on the main thread, which is also where the result handler is called;
-/// only HandleOperation may be called on any thread. It is destroyed after the main loop's end;
-/// the GTK window itself is left to GTK.
+/// Created, used and destroyed on the main thread, where the result handler is called, too. Only
+/// HandleOperation() may be called on any thread. Must be destroyed after the main loop's end. The
+/// GTK window itself is left to GTK.
 class GtkBrowserWindow {
 public:
     using ResultHandler = std::function<void(CBrowserResult&)>;
 
-    /// Makes the window, hidden. A handler must be given before the first result.
+    /// Creates the window, hidden. The handler must not be empty when the first result comes.
     GtkBrowserWindow(GtkApplication* application, ResultHandler resultHandler);
     virtual ~GtkBrowserWindow();
     GtkBrowserWindow(const GtkBrowserWindow&) = delete;
@@ -32,8 +32,8 @@ public:
     /// Queues a copy of the operation for the main loop. Any thread.
     virtual void HandleOperation(const CBrowserOperation& operation);
 
-    /// Loads a page for an operation. With a cookie name the operation is one for a cookie. The
-    /// timeout is in seconds, 0 for none.
+    /// Loads a page for an operation. If a cookie name is given, the operation wants that cookie.
+    /// The timeout is in seconds; 0 means none.
     virtual void LoadPage(const std::string& url, const std::string& finalUrl,
                           const std::string& cookieName, const std::string& errorCookieName,
                           const std::string& userAgent, std::uint32_t timeout);
@@ -41,16 +41,18 @@ public:
     virtual void Show();
     virtual void Hide();
 
-    /// Replaces the web view by a new one, which keeps the cookies only, and reports ready.
+    /// Replaces the web view by a new one and reports `ready`. Only the cookies are kept.
     virtual void ResetBrowser();
 
 private:
     struct QueuedOperation;
-    /// What the toolkit and the engine call: each tells the operation, and nothing else.
+    /// The callbacks of the toolkit and the engine. They pass page events on to the operation and
+    /// decide nothing about its result.
     struct Callbacks;
-    /// What the operation asks of the window.
+    /// Carries out what the operation asks of the window.
     class OperationPort;
-    /// What the main thread alone touches; with the engine's types, which this file does without.
+    /// Members that only the main thread uses. Their types are the engine's, which this header does
+    /// not include.
     struct MainThreadParts;
 
     void init(GtkApplication* application);
@@ -65,7 +67,7 @@ private:
     static gboolean handleOperationCB(gpointer block);
 
     ResultHandler m_resultHandler;
-    // Cleared by the thread that queues an operation, set when its result is delivered.
+    // Cleared by the thread that queues an operation, set when the operation's result is delivered.
     std::atomic<bool> m_resultSent{false};
     std::unique_ptr<MainThreadParts> m_parts;
 };

@@ -22,11 +22,11 @@ constexpr char kTextDomain[] = "tkdownloader-gtk";
 constexpr std::uint32_t kLowestPort = 1024;
 constexpr std::uint32_t kPortSpan = 65535 - kLowestPort;
 
-// The log stands before anything else runs and ends after the last of it.
+// A global object: the log exists before anything else runs and ends after everything else.
 ResultCode logResult = kSuccess;
 CAppLog applicationLog(logResult, "tkwebhelper", nullptr);
 
-// Low 32 bits of the number that the text begins with; whatever follows it is ignored.
+// The low 32 bits of the number at the start of the text. What follows the number is ignored.
 std::uint32_t ParsePort(const char* text) {
     return static_cast<std::uint32_t>(std::strtol(text, nullptr, 10));
 }
@@ -36,10 +36,10 @@ bool IsValidPort(std::uint32_t port) {
 }
 
 bool CreateController(GApplication* application, std::uint16_t port) {
-    // One controller for the whole process, deleted at its end. A second command line finds the
-    // holder filled and is refused on purpose.
+    // One controller for the whole process, deleted at its end. On purpose a second command line is
+    // refused: it finds a controller, and ok stays false.
     bool ok = false;
-    // Made first, so that it is destroyed behind the controller.
+    // Created first, so that it is destroyed after the controller.
     static const CEngineProcessesEnd engineProcessesEnd;
     static const std::unique_ptr<GtkBrowserController> controller =
         std::make_unique<GtkBrowserController>(GTK_APPLICATION(application), port, ok);
@@ -82,9 +82,9 @@ void SetUpTranslation() {
     (void)std::setlocale(LC_ALL, "");
 }
 
-// Nothing here needs the session bus. On it, though, GTK would look for the desktop's portal at
-// start, and wait half a minute for one that hangs. A registration that is cancelled already gets
-// no bus; one that fails for that is made again by g_application_run().
+// The program does not need the session bus. With the bus, GTK would look for the desktop's portal
+// at start, and would wait half a minute for a portal that hangs. A registration that is already
+// cancelled gets no bus. If it fails because of that, g_application_run() registers again.
 void RegisterWithoutBus(GApplication* application) {
     const GObjectPtr<GCancellable> cancelled(g_cancellable_new());
     g_cancellable_cancel(cancelled.get());
@@ -94,7 +94,7 @@ void RegisterWithoutBus(GApplication* application) {
 int RunApplication(int argc, char** argv) {
     g_set_application_name("tkwebhelper");
     g_set_prgname(kProductFullName.c_str());
-    // Without an identifier the application is never unique: its command line is its own.
+    // Without an identifier the application is never unique, so it handles its own command line.
     const GObjectPtr<GtkApplication> application(
         gtk_application_new(nullptr, G_APPLICATION_HANDLES_COMMAND_LINE));
     QuitOnSignals(application.get());

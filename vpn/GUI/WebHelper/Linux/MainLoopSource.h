@@ -2,7 +2,7 @@
 
 #include <glib.h>
 
-/// Takes the source from the main loop, if there is one, and forgets its number.
+/// Removes the source from the main loop, if there is one, and sets its number to 0.
 inline void RemoveSource(guint& source) {
     if (source != 0) {
         g_source_remove(source);

@@ -7,14 +7,14 @@
 
 namespace {
 
-// More than any page has a reason for.
+// More dialogs than any page has a reason for.
 constexpr int kMostAnsweredDialogs = 100;
 
 bool IsSeen(WebKitWebView* webView) {
     return gtk_widget_get_mapped(GTK_WIDGET(webView)) != FALSE;
 }
 
-// As a person does who only wants to go on.
+// Answers as a person would who only wants to go on.
 void Dismiss(WebKitScriptDialog* dialog) {
     switch (webkit_script_dialog_get_dialog_type(dialog)) {
         case WEBKIT_SCRIPT_DIALOG_CONFIRM:
@@ -59,7 +59,8 @@ gboolean CPageGuard::onPermissionRequest(WebKitWebView* /*webView*/,
     return TRUE;
 }
 
-// The engine would run its dialog, and nothing else, until a person has answered it.
+// TRUE prevents the engine's print dialog. While that is open, nothing else runs until a person has
+// answered it.
 gboolean CPageGuard::onPrint() {
     return TRUE;
 }
@@ -68,15 +69,15 @@ gboolean CPageGuard::onAuthenticate(WebKitWebView* webView, WebKitAuthentication
     if (IsSeen(webView)) {
         return FALSE;
     }
-    // Without a name and a password the server's refusal is the page. Cancelling the request would
-    // end the load without a word.
+    // Without a name and a password the page is the server's refusal. If the request were
+    // cancelled, the load would end without any report.
     webkit_authentication_request_authenticate(request, nullptr);
     return TRUE;
 }
 
 gboolean CPageGuard::onScriptDialog(WebKitWebView* webView, WebKitScriptDialog* dialog,
                                     CPageGuard* self) {
-    // A page that would rather stay must not hold up the operation that takes its place.
+    // A "leave page?" prompt must not hold up the operation that replaces the page.
     const bool isLeft =
         webkit_script_dialog_get_dialog_type(dialog) == WEBKIT_SCRIPT_DIALOG_BEFORE_UNLOAD_CONFIRM;
     if (IsSeen(webView) && !isLeft) {

@@ -4,10 +4,10 @@
 
 #include <memory>
 
-/// Keeps the pages of one web view from what no sign-in needs: permissions are denied and nothing
-/// is printed; and a question that no person can see, or whether to leave the page, is answered in
-/// their place, since it would stop everything until then. A page that never stops asking loses its
-/// process. Main thread only.
+/// Guards the pages of one web view. Denies permissions and printing. Dialogs and password requests
+/// that nobody can see, and "leave page?" prompts, are answered automatically, because an open
+/// dialog blocks the page. A page that never stops opening dialogs loses its process. Main thread
+/// only.
 class CPageGuard {
 public:
     /// The view is not owned and must outlive the guard.
@@ -33,9 +33,9 @@ private:
     static void onUnmap(GtkWidget* webView, CPageGuard* self);
 
     WebKitWebView* m_webView;
-    // The one that a person sees; the engine shows one at a time.
+    // The dialog that a person sees. The engine shows one at a time.
     std::unique_ptr<WebKitScriptDialog, DialogUnref> m_dialog;
-    // Dialogs of the current page that nobody was asked.
+    // How many of the current page's dialogs were answered automatically.
     int m_answeredDialogs = 0;
 };
 

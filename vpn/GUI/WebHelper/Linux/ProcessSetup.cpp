@@ -71,15 +71,14 @@ GLogWriterOutput writeMessageCB(GLogLevelFlags level, const GLogField* fields, g
 }  // namespace
 
 void DoWithoutGraphicsDriver() {
-    // The toolkit looks through the driver for visuals on an X display where it was not used
-    // before.
+    // On an X display that was not used before, the toolkit searches the driver for visuals.
     setenv("GDK_GL", "disable", 0);
     if (getenv("WEBKIT_DISABLE_DMABUF_RENDERER") != nullptr) {
         return;
     }
     setenv("WEBKIT_DISABLE_DMABUF_RENDERER", "1", 1);
-    // The engine asks the driver for the device that pages may draw with, unless it is told. No
-    // device: pages draw with what the driver in their own process offers.
+    // If nobody sets this, the engine asks the driver for the device with which pages may draw.
+    // With no device, pages draw with what the driver in their own process offers.
     setenv("WEBKIT_WEB_RENDER_DEVICE_FILE", "/dev/null", 0);
 }
 
@@ -98,7 +97,7 @@ void KeepSecretsPrivate() {
 }
 
 void QuitOnSignals(GtkApplication* application) {
-    // It fails for numbers that are no signals alone.
+    // It fails only for numbers that are not signals.
     std::ignore = std::signal(SIGPIPE, SIG_IGN);
     for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
         g_unix_signal_add(number, signalCB, application);

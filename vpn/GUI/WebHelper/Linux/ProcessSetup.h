@@ -2,22 +2,22 @@
 
 #include <gtk/gtk.h>
 
-/// Keeps what the process and the engine's processes write to their user alone: files get no
-/// permissions for others, and a crash leaves no core file, which would have the cookies in it.
-/// Called first of all, while there is one thread.
+/// Keeps everything that this process and the engine's processes write private to their user. Files
+/// get no permissions for others. A crash leaves no core file, because that would contain the
+/// cookies. Must be called first of all, while there is one thread.
 void KeepSecretsPrivate();
 
 /// Keeps the toolkit and the engine from loading the graphics driver into this process, which draws
-/// nothing with it: two fifths of the start's time and of the memory behind it go with it.
-/// Whoever sets the engine's first variable here decides for the engine. Called first of all, while
-/// there is one thread.
+/// nothing with it. This saves two fifths of the start-up time, and of the memory after the start.
+/// If the environment sets WEBKIT_DISABLE_DMABUF_RENDERER already, the engine's variables are left
+/// alone. Must be called first of all, while there is one thread.
 void DoWithoutGraphicsDriver();
 
 /// Logs the messages with which the toolkit or the engine ends the program, which otherwise go to
 /// the error stream alone. Called once, before the application runs.
 void LogWhatEndsTheProgram();
 
-/// Ends the application's main loop, and with it the process, on SIGTERM, SIGINT and SIGHUP as a
-/// `terminate` does. A connection that broke is reported where it is written to, not by SIGPIPE.
-/// The application must outlive the main loop. Main thread.
+/// Makes SIGTERM, SIGINT and SIGHUP end the application's main loop, and with it the process, as
+/// `terminate` does. Ignores SIGPIPE: a write to a broken connection reports an error instead. The
+/// application must outlive the main loop. Main thread.
 void QuitOnSignals(GtkApplication* application);

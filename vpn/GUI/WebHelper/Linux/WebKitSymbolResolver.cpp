@@ -35,7 +35,7 @@ void CWebKitSymbolResolver::ResolveSymbols() {
     // The handle is never closed: it is the program itself.
     void* const handle = dlopen(nullptr, RTLD_LAZY);
     if (handle == nullptr) {
-        // dlsym takes the null handle as the default search scope.
+        // dlsym() takes a null handle as the default search scope.
         TK_LOG_ERROR("dlopen failed: %s", dlerror());
     }
     ready = Resolve(handle, "webkit_cookie_manager_get_cookies", getCookies) &&
