@@ -23,7 +23,7 @@ sockaddr* Plain(sockaddr_in& address) {
     return reinterpret_cast<sockaddr*>(&address);
 }
 
-// A port whose last connection was closed from our side may be taken again at once.
+// SO_REUSEADDR lets the port be taken again at once after our side closed its last connection.
 bool BindAndListen(int descriptor, sockaddr_in& address) {
     const int reuse = 1;
     socklen_t size = sizeof(address);

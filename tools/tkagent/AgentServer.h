@@ -11,15 +11,15 @@
 /// The agent's listening socket on 127.0.0.1. Thread-unsafe.
 class CAgentServer {
 public:
-    /// Begins to listen, on a free port when 0 is asked for. On failure the reason says why.
+    /// Starts to listen. Port 0 means a free port. On failure the reason says why.
     [[nodiscard]] bool Listen(std::string& reason, std::uint16_t port = 0);
 
     /// The port; 0 before it listens.
     [[nodiscard]] std::uint16_t Port() const { return m_port; }
-    /// A descriptor that can be read when a connection waits; -1 before it listens.
+    /// A descriptor that is readable when a connection waits; -1 before it listens.
     [[nodiscard]] int Descriptor() const { return m_socket.Get(); }
 
-    /// The next connection; nothing when the deadline passed.
+    /// Waits for the next connection. Returns nothing if the deadline passed.
     [[nodiscard]] std::optional<CHelperConnection> Accept(Deadline deadline);
 
     /// Stops listening: later connections are refused.

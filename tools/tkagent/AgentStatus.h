@@ -1,6 +1,6 @@
 #pragma once
 
-/// How a run of tkagent went; the values are its exit statuses.
+/// How a run of tkagent went. The values are its exit statuses.
 enum class AgentStatus {
     /// Every result came, and the helper ended with status 0.
     Success = 0,
@@ -14,7 +14,7 @@ enum class AgentStatus {
     HelperFailed = 4,
     /// The helper took too long.
     TimedOut = 5,
-    /// The helper sent something that is no result.
+    /// The helper sent something that is not a result.
     BadResult = 6,
     /// The demo's sign-in ended without its cookie.
     NoCookie = 7,

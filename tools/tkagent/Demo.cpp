@@ -31,7 +31,7 @@ std::string JsonOf(const IJSONIpcMessage& message) {
     return text;
 }
 
-// A session cookie is a key: enough of it to recognise it, and no more.
+// A session cookie is a secret. This shows enough of it to recognise it, and no more.
 CBrowserResult WithShortCookie(const CBrowserResult& result) {
     const std::string value = result.GetCookieValue();
     return {result.GetResultType(), value.size() <= kShownCookieCharacters
@@ -55,7 +55,7 @@ AgentStatus CDemo::Run() {
     if (status == AgentStatus::Success) {
         status = signIn();
     }
-    // A sign-in without its cookie leaves a helper that can still be ended in order.
+    // After a sign-in without its cookie the helper still runs, and can be ended in order.
     if (status != AgentStatus::Success && status != AgentStatus::NoCookie) {
         return status;
     }
@@ -124,7 +124,7 @@ AgentStatus CDemo::finish() {
     return status;
 }
 
-// On the site's thread, while the page waits.
+// Runs on the site's thread, while the page waits.
 void CDemo::atForm() {
     m_output.Line("site     the form is painted");
     if (m_options.atFormCommand.empty()) {

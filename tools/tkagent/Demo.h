@@ -9,22 +9,22 @@
 #include "SignInSite.h"
 #include "TimedOutput.h"
 
-/// What the demo is asked for.
+/// The options of the demo.
 struct DemoOptions {
     std::string helperPath;
     SignInMode mode = SignInMode::Person;
-    /// A shell command that runs, unattended, once the form is painted; may be empty.
+    /// A shell command to run once the form is painted, in the unattended mode; may be empty.
     std::string atFormCommand;
     std::chrono::seconds patience{600};
 };
 
-/// One sign-in through the real helper, told step by step.
+/// One sign-in through the real helper, printed step by step.
 class CDemo {
 public:
     /// The stream must outlive the demo.
     CDemo(DemoOptions options, std::ostream& output);
 
-    /// Gives Success when the cookie came and the helper ended with status 0; otherwise Problem()
+    /// Returns Success if the cookie came and the helper ended with status 0. Otherwise Problem()
     /// says why in one line.
     [[nodiscard]] AgentStatus Run();
 
@@ -43,6 +43,6 @@ private:
     CTimedOutput m_output;
     CHelperSession m_session;
     std::string m_problem;
-    // Last, so that its thread stops before what it uses goes.
+    // The last member, so that its thread stops before the members that it uses are destroyed.
     CSignInSite m_site;
 };

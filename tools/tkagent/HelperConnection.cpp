@@ -11,13 +11,13 @@
 
 namespace {
 
-// Cookie values have no limit of their own; this keeps a broken length from taking all memory.
+// Cookie values have no limit of their own. This limit keeps a wrong length from taking all memory.
 constexpr std::size_t kLongestResult = std::size_t{64} * 1024 * 1024;
 constexpr timeval kSendTimeout{10, 0};
 
 template <class Value>
 void SetOption(int descriptor, int level, int name, const Value& value) {
-    // Can fail only for a socket that has gone, which the next send or read tells anyway.
+    // This fails only if the connection is gone. The next send or read reports that.
     static_cast<void>(setsockopt(descriptor, level, name, &value, sizeof(value)));
 }
 
@@ -82,7 +82,7 @@ ReceiveOutcome CHelperConnection::ReceiveResult(CBrowserResult& result, Deadline
     return result.Deserialize(payload) ? ReceiveOutcome::Received : ReceiveOutcome::Garbled;
 }
 
-// Reads until so many bytes are there; what came before a deadline stays for the next call.
+// Reads until that many bytes have come. Bytes that came before a deadline stay for the next call.
 ReceiveOutcome CHelperConnection::fill(std::size_t size, Deadline deadline) {
     std::size_t count = m_received.size();
     while (count < size) {

@@ -11,32 +11,32 @@
 
 enum class ReceiveOutcome {
     Received,
-    /// The helper closed the connection, or its process has gone.
+    /// The helper closed the connection, or its process ended.
     Closed,
     TimedOut,
-    /// Not a frame of this protocol, or a frame that holds no result.
+    /// Not a frame of this protocol, or a frame without a result.
     Garbled,
 };
 
 /// The agent's end of one helper's connection. Sending waits at most ten seconds. Thread-unsafe.
 class CHelperConnection {
 public:
-    /// Takes a connected socket.
+    /// Takes over a connected socket.
     explicit CHelperConnection(CUniqueFd socket);
 
-    /// Each gives false when the connection does not take the bytes.
+    /// Each returns false if the connection does not take the bytes.
     [[nodiscard]] bool SendOperation(const CBrowserOperation& operation);
     [[nodiscard]] bool SendPayload(const std::string& payload);
     [[nodiscard]] bool SendBytes(std::string_view bytes);
 
-    /// The next frame's payload, of any size.
+    /// Receives the next frame's payload, at most 64 MiB.
     [[nodiscard]] ReceiveOutcome ReceivePayload(std::string& payload, Deadline deadline);
-    /// The next frame as a result.
+    /// Receives the next frame as a result.
     [[nodiscard]] ReceiveOutcome ReceiveResult(CBrowserResult& result, Deadline deadline);
 
-    /// Closes our end in the usual way, after what was sent.
+    /// Closes our end in the usual way; what was sent before still arrives.
     void Close() { m_socket.Reset(); }
-    /// Breaks the connection off: the helper's next read fails.
+    /// Resets the connection: the helper's next read fails.
     void Abort();
 
     /// -1 once closed.
@@ -47,7 +47,7 @@ private:
 
     CUniqueFd m_socket;
     CJsonIpcFrameReader m_reader;
-    // What has come of the next header or payload.
+    // What has been received of the next header or payload.
     std::vector<char> m_received;
     std::size_t m_wanted = kFrameHeaderSize;
 };

@@ -68,7 +68,7 @@ AgentStatus CHelperSession::NextResult(CBrowserResult& result) {
 
 AgentStatus CHelperSession::Finish() {
     if (!m_terminateSent) {
-        // A helper that no longer takes it has ended, and how it ended is what counts.
+        // If the helper does not take it, the helper has ended, and its exit status is what counts.
         static_cast<void>(Send(TerminateOperation()));
     }
     const std::optional<ProcessEnd> end = m_process.WaitForEnd(DeadlineIn(m_patience));
@@ -79,7 +79,7 @@ AgentStatus CHelperSession::Finish() {
                             : fail(AgentStatus::HelperFailed, "the helper " + end->Text());
 }
 
-// The connection has gone, so the process is about to follow.
+// The connection is gone, so the process should end soon.
 AgentStatus CHelperSession::helperGone() {
     const std::optional<ProcessEnd> end = m_process.WaitForEnd(DeadlineIn(m_patience));
     const std::string how = end.has_value() ? end->Text() : "closed the connection but still runs";

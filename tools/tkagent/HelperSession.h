@@ -10,14 +10,15 @@
 #include "HelperConnection.h"
 #include "LaunchedProcess.h"
 
-/// One run of the helper, from its start to its end, with one patience for every wait. Each step
-/// gives Success, or what went wrong, which Problem() then tells in words. Thread-unsafe.
+/// One run of the helper, from its start to its end. Every wait has the same time limit, the
+/// patience. Each step returns Success or the kind of failure, which Problem() then describes.
+/// Thread-unsafe.
 class CHelperSession {
 public:
     explicit CHelperSession(std::chrono::seconds patience) : m_patience(patience) {}
 
-    /// Listens on a free port, starts the helper with it and waits for its connection. The helper
-    /// writes its standard output to our standard error.
+    /// Listens on a free port, starts the helper with that port and waits for its connection. The
+    /// helper's standard output goes to our standard error.
     [[nodiscard]] AgentStatus Start(const std::string& helperPath);
 
     /// Sends an operation; a terminate is remembered.
@@ -26,7 +27,7 @@ public:
     /// Waits for the next result.
     [[nodiscard]] AgentStatus NextResult(CBrowserResult& result);
 
-    /// Sends terminate, unless that was done, and waits for the helper's end.
+    /// Sends terminate, unless it was sent before, and waits for the helper's end.
     [[nodiscard]] AgentStatus Finish();
 
     [[nodiscard]] bool IsTerminateSent() const { return m_terminateSent; }

@@ -2,7 +2,7 @@
 
 #include <fcntl.h>
 #include <linux/close_range.h>
-// The library's header is not wrapped in extern "C", which C++ needs.
+// The C library's header lacks the extern "C" that C++ needs.
 extern "C" {
 #include <sys/pidfd.h>
 }
@@ -20,7 +20,7 @@ extern "C" {
 
 namespace {
 
-// Everything that the child needs between fork and exec, where nothing may be allocated.
+// Everything that the child needs between fork and exec, where it must not allocate.
 struct LaunchPlan {
     std::vector<std::string> environmentTexts;
     std::vector<char*> arguments;
@@ -71,7 +71,7 @@ bool PrepareChild(const LaunchPlan& plan) {
     if (prctl(PR_SET_PDEATHSIG, SIGKILL) != 0) {
         return false;
     }
-    // A parent that died before the call above sends no signal any more.
+    // If the parent died before the call above, the kernel sends no signal any more.
     if (getppid() != plan.parent) {
         errno = ECHILD;
         return false;
@@ -84,7 +84,7 @@ bool PrepareChild(const LaunchPlan& plan) {
         execve(plan.arguments.front(), plan.arguments.data(), plan.environment.data());
     }
     const int error = errno;
-    // The parent takes an empty pipe for success; there is nothing to do about a failed write.
+    // The parent takes an empty pipe for success. If the write fails, nothing can be done about it.
     [[maybe_unused]] const ssize_t written = write(plan.errorPipe, &error, sizeof(error));
     _exit(127);
 }

@@ -14,10 +14,10 @@
 struct LaunchCommand {
     /// The program's path, then its arguments.
     std::vector<std::string> arguments;
-    /// Changes to the inherited environment: a new value, or nothing to remove the variable.
+    /// Changes to the inherited environment: a new value, or no value to remove the variable.
     std::map<std::string, std::optional<std::string>> environment;
-    /// Descriptors that become the child's standard streams; -1 inherits ours, except that
-    /// standard input is then empty.
+    /// Descriptors that become the child's standard streams. -1 means our own stream, except for
+    /// standard input: there -1 means an empty input.
     int input = -1;
     int output = -1;
     int error = -1;
@@ -34,8 +34,9 @@ struct ProcessEnd {
     [[nodiscard]] std::string Text() const;
 };
 
-/// One child process. It inherits no descriptor but its standard streams. It is killed when this
-/// object goes, and by the kernel when the thread that started it ends. Thread-unsafe.
+/// One child process. It inherits no descriptors except its standard streams. It is killed when
+/// this object is destroyed. The kernel kills it when the thread that started it ends.
+/// Thread-unsafe.
 class CLaunchedProcess {
 public:
     CLaunchedProcess() = default;
@@ -47,13 +48,14 @@ public:
     [[nodiscard]] bool Start(const LaunchCommand& command, std::string& reason);
 
     [[nodiscard]] pid_t Pid() const { return m_pid; }
-    /// A descriptor that can be read once the process has ended; -1 before the start.
+    /// A descriptor that is readable once the process has ended; -1 before the start.
     [[nodiscard]] int EndDescriptor() const { return m_pidFd.Get(); }
 
-    /// How the process ended; nothing when it was never started or the deadline passed.
+    /// Waits for the process's end and returns how it ended. Returns nothing if it was never
+    /// started or if the deadline passed.
     [[nodiscard]] std::optional<ProcessEnd> WaitForEnd(Deadline deadline);
 
-    /// Sends a signal; nothing happens once the process has ended.
+    /// Sends a signal. Does nothing once the process has ended.
     void Signal(int number) const;
 
 private:

@@ -17,7 +17,7 @@ using boost::system::error_code;
 
 constexpr std::chrono::seconds kIdleTimeout{60};
 
-// One connection; it keeps itself alive through the handlers that it has pending.
+// One connection. Its pending handlers keep it alive.
 class CWebSession : public std::enable_shared_from_this<CWebSession> {
 public:
     CWebSession(tcp::socket socket, const WebHandler& handler)

@@ -12,7 +12,7 @@
 using WebRequest = boost::beast::http::request<boost::beast::http::string_body>;
 using WebResponse = boost::beast::http::response<boost::beast::http::string_body>;
 
-/// Answers one request. It runs on the server's thread, one request after the other.
+/// Answers one request. Runs on the server's thread, for one request at a time.
 using WebHandler = std::function<WebResponse(const WebRequest&)>;
 
 /// A small HTTP server on a free port of 127.0.0.1, with one thread of its own.
@@ -24,7 +24,7 @@ public:
     CLoopbackWebServer(const CLoopbackWebServer&) = delete;
     CLoopbackWebServer& operator=(const CLoopbackWebServer&) = delete;
 
-    /// Begins to serve, once per object. On failure the reason says why.
+    /// Starts to serve, once per object. On failure the reason says why.
     [[nodiscard]] bool Start(std::string& reason);
 
     /// The port; 0 before the start.

@@ -22,7 +22,7 @@ AgentStatus COperationRunner::Run(const std::string& helperPath) {
     if (status != AgentStatus::Success && status != AgentStatus::BadInput) {
         return status;
     }
-    // After a bad line the helper is still ended in order; the bad line stays the verdict.
+    // After a bad line the helper is still ended in order. The status stays that of the bad line.
     const AgentStatus finished = m_session.Finish();
     return status == AgentStatus::Success ? checked(finished) : status;
 }
@@ -48,7 +48,7 @@ AgentStatus COperationRunner::runLine(const std::string& line) {
     if (status == AgentStatus::Success) {
         status = checked(m_session.Send(operation));
     }
-    // Every operation but terminate, which the helper answers by ending, has one result.
+    // Every operation has one result, except terminate: the helper answers it by ending.
     m_resultsDue += m_session.IsTerminateSent() ? 0 : 1;
     if (status == AgentStatus::Success && m_wait == ResultWait::AfterEach) {
         status = writeResults();

@@ -15,15 +15,15 @@ enum class ResultWait {
     AtEnd,
 };
 
-/// Runs the helper with operations read as JSON lines, and writes its results, `ready` included,
-/// as JSON lines. A terminate ends the run: lines behind it are not read.
+/// Runs the helper with operations read as JSON lines, and writes its results as JSON lines,
+/// including `ready`. A terminate ends the run: lines after it are not read.
 class COperationRunner {
 public:
     /// The streams must outlive the runner.
     COperationRunner(std::chrono::seconds patience, ResultWait wait, std::istream& operations,
                      std::ostream& results);
 
-    /// One whole run. When it does not succeed, Problem() says why in one line.
+    /// Does one whole run. If it fails, Problem() says why in one line.
     [[nodiscard]] AgentStatus Run(const std::string& helperPath);
 
     [[nodiscard]] const std::string& Problem() const { return m_problem; }

@@ -72,7 +72,7 @@ constexpr const char* kWelcome =
   <p>This window closes by itself.</p>
 )html";
 
-// The engine tells the first paint of content; two frames later the window has taken it over.
+// The engine reports the first paint of content. Two frames later the window shows it.
 constexpr const char* kScriptStart = R"html(<script>
   const firstPaint = new Promise(done => new PerformanceObserver(done)
       .observe({ type: 'paint', buffered: true }));

@@ -12,12 +12,12 @@ enum class PageScript {
     SignIn,
 };
 
-/// The page with the form; a message, when there is one, stands above the button.
+/// The page with the form. If there is a message, it stands above the button.
 [[nodiscard]] std::string SignInFormPage(const std::string& message, PageScript script);
 
 /// The page that a person sees after signing in.
 [[nodiscard]] std::string WelcomePage();
 
-/// The user and password that the site takes, as it tells on its form.
+/// The user and the password that the site accepts. Its form shows them.
 inline constexpr const char* kDemoUser = "demo";
 inline constexpr const char* kDemoPassword = "tunnelkeep";

@@ -28,7 +28,7 @@ WebResponse RedirectTo(const char* path) {
     return response;
 }
 
-// The form's body as the page sends it; neither text needs escaping.
+// The form's body as the page sends it. Neither text needs escaping.
 std::string RightAnswer() {
     return "user=" + std::string(kDemoUser) + "&password=" + kDemoPassword;
 }

@@ -8,18 +8,18 @@
 /// Who fills in the form.
 enum class SignInMode { Person, Unattended };
 
-/// A sign-in site on loopback: a form at "/", which the right password leaves for "/welcome" with
-/// a cookie. Unattended, the page fills in the form by itself: first with a wrong password, then
-/// with the right one.
+/// A sign-in site on loopback. The form is at "/". The right password sets a cookie and leads to
+/// "/welcome". In the unattended mode the page fills in the form by itself: first with a wrong
+/// password, then with the right one.
 class CSignInSite {
 public:
     static constexpr const char* kCookieName = "tunnelkeep_session";
 
-    /// Unattended, atForm is called once the form is painted, and the page goes on only when it
-    /// has returned; it runs on the site's thread.
+    /// In the unattended mode atForm is called once the form is painted, on the site's thread. The
+    /// page goes on after atForm has returned.
     CSignInSite(SignInMode mode, std::function<void()> atForm);
 
-    /// Begins to serve. On failure the reason says why.
+    /// Starts to serve. On failure the reason says why.
     [[nodiscard]] bool Start(std::string& reason) { return m_server.Start(reason); }
 
     /// The form's address.
@@ -37,6 +37,6 @@ private:
     SignInMode m_mode;
     std::function<void()> m_atForm;
     std::string m_cookieValue;
-    // Last, so that it stops before what it uses goes.
+    // The last member, so that it stops before the members that it uses are destroyed.
     CLoopbackWebServer m_server;
 };

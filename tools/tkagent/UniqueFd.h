@@ -23,7 +23,7 @@ public:
     [[nodiscard]] bool IsOpen() const { return m_descriptor >= 0; }
     [[nodiscard]] int Release() { return std::exchange(m_descriptor, -1); }
 
-    /// Closes what is owned and owns the given descriptor instead.
+    /// Closes the owned descriptor, and owns the given one instead.
     void Reset(int descriptor = -1) {
         if (IsOpen()) {
             close(m_descriptor);
