@@ -2,6 +2,6 @@
 
 #include <cstddef>
 
-/// How often the calling thread has allocated since it started. A program that contains this
-/// has its operator new replaced by one that counts.
+/// How often the calling thread has allocated since it started. In a program that contains this,
+/// operator new is replaced by one that counts.
 std::size_t AllocationCount();

@@ -2,7 +2,7 @@
 
 #include "TlsIdentity.h"
 
-/// The authority that signed them all but "unknown-issuer"; nobody trusts it by itself.
+/// The authority that signed all of them except "unknown-issuer". Nobody trusts it by default.
 inline std::string TestAuthority() {
     return TK_TEST_CERTIFICATES "/trusted.pem";
 }

@@ -3,9 +3,9 @@
 #include <cstddef>
 #include <cstdint>
 
-/// The calls that a program containing this can have fail, each kind with all of its functions. A
-/// closing or unmapping call does its work all the same and then reports a failure, as the kernel
-/// does when what it still had to write is lost.
+/// The kinds of calls that can be made to fail in a program that contains this. Each kind covers
+/// all of its functions. A closing or unmapping call does its work all the same and then reports a
+/// failure, as the kernel does when data that it still had to write is lost.
 enum class Call : std::uint8_t {
     Allocation,     ///< operator new; without a sanitizer malloc, calloc and realloc as well
     Open,           ///< open, fopen
@@ -33,8 +33,8 @@ enum class Call : std::uint8_t {
 
 enum class FailingOn : std::uint8_t { ThisThread, EveryThread };
 
-/// Has one call fail for as long as it lives: the one of that number, counted from 1, among the
-/// calls of its kind from now on. There is one at a time.
+/// While this object lives, makes one call fail: the one with that number, counted from 1, among
+/// the calls of its kind from now on. Only one such object may exist at a time.
 class FailingCall {
 public:
     FailingCall(Call kind, std::size_t number, FailingOn threads = FailingOn::ThisThread);
@@ -46,7 +46,7 @@ public:
     [[nodiscard]] static bool HasFailed();
 };
 
-/// The calling thread's calls neither fail nor count, for a scope: they are the test's own.
+/// For a scope, the calling thread's calls neither fail nor count, because they are the test's own.
 class SparedCalls {
 public:
     SparedCalls();
@@ -55,5 +55,6 @@ public:
     SparedCalls& operator=(const SparedCalls&) = delete;
 };
 
-/// How many blocks of memory the program holds; always 0 under a sanitizer, which looks itself.
+/// How many blocks of memory the program holds. Always 0 under a sanitizer, which finds leaks
+/// itself.
 [[nodiscard]] std::size_t BlocksHeld();

@@ -7,7 +7,7 @@
 
 #include "FileDescriptor.h"
 
-/// One client's connection, plain or TLS. Blocking; for one thread, but for Interrupt().
+/// One client's connection, plain or TLS. Blocking. Used by one thread, except for Interrupt().
 class HttpConnection {
 public:
     /// No context means no TLS.
@@ -18,20 +18,20 @@ public:
 
     /// False when the client gave up the handshake.
     [[nodiscard]] bool Accept();
-    /// What has come, or an empty text at the end.
+    /// Returns what has come, or an empty text at the end.
     [[nodiscard]] std::string Read();
     /// False when the client is gone.
     bool Write(const std::string& bytes);
 
-    /// Ends our direction as HTTP wants it, and waits for the client to end its own.
+    /// Ends our direction as HTTP requires it, and waits for the client to end its own.
     void Finish();
-    /// Ends both directions in the middle of whatever was sent.
+    /// Ends both directions, in the middle of whatever was sent.
     void Cut();
-    /// Makes the client see "connection reset by peer" as soon as this object goes.
+    /// Makes the client see "connection reset by peer" when this object is destroyed.
     void Reset();
 
-    /// Wakes the thread that uses the connection, which finds it ended. Any thread, as long as the
-    /// connection lives.
+    /// Wakes the thread that uses the connection; that thread then finds the connection ended. Any
+    /// thread, as long as the connection lives.
     void Interrupt() const;
 
 private:

@@ -15,20 +15,20 @@ struct HttpRequest {
     HttpHeaders headers;
     std::string body;
 
-    /// The first header of that name in any case of letters, or an empty text.
+    /// The first header of that name, whatever its letter case, or an empty text.
     [[nodiscard]] std::string Header(const std::string& name) const;
     /// The target without its query.
     [[nodiscard]] std::string Path() const;
 };
 
-/// An answer, sent with the length of its body and the end of the connection.
+/// A response, sent with the length of its body; the connection ends after it.
 struct HttpResponse {
     unsigned status = 200;
     std::string body;
     std::string contentType = "text/html";
     HttpHeaders headers = {};
 
-    /// The bytes of its head, whose Content-Length may be a lie.
+    /// The bytes of its head. The Content-Length may be wrong on purpose.
     [[nodiscard]] std::string Head(std::size_t contentLength) const;
 };
 

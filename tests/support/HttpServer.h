@@ -30,13 +30,13 @@ public:
 
     /// Sends a whole answer.
     void Respond(const HttpResponse& response);
-    /// Sends bytes as they are; the connection ends properly behind the handler.
+    /// Sends bytes as they are. The connection ends properly after the handler has returned.
     void SendRaw(const std::string& bytes);
-    /// Blocks until the server's Release() of this request's path, or its end.
+    /// Blocks until the server's Release() of this request's path, or until the server ends.
     void WaitForRelease();
-    /// Ends the connection without a word.
+    /// Ends the connection without notice.
     void Cut();
-    /// Ends it as a crashed or overloaded machine does, when the handler returns.
+    /// Ends it as a crashed or overloaded machine does, once the handler has returned.
     void Reset();
 
 private:
@@ -47,12 +47,12 @@ private:
 
 using HttpHandler = std::function<void(HttpExchange&)>;
 
-/// A web server on a free loopback port, for as long as it lives. It answers each request on a
-/// thread of its own and closes the connection behind it; a path without a handler gets 404. What
-/// it did and did not receive is the test's to compare. Any thread.
+/// A web server on a free loopback port, as long as the object lives. It answers each request on a
+/// thread of its own and then closes the connection. A path without a handler gets 404. The test
+/// compares what was received and what was not. Any thread.
 class HttpServer {
 public:
-    /// Throws std::runtime_error when the port or the certificate cannot be had.
+    /// Throws std::runtime_error if it cannot get a port or load the certificate.
     explicit HttpServer(const TlsIdentity& identity = {});
     ~HttpServer();
     HttpServer(const HttpServer&) = delete;
@@ -63,18 +63,18 @@ public:
     [[nodiscard]] std::string Url(const std::string& target,
                                   const std::string& host = "127.0.0.1") const;
 
-    /// What answers a path from now on, whatever the query.
+    /// From now on the handler answers this path, whatever the query.
     void Handle(const std::string& path, HttpHandler handler);
     void Serve(const std::string& path, const HttpResponse& response);
     /// A page with this body.
     void ServePage(const std::string& path, const std::string& body);
     void Redirect(const std::string& path, const std::string& location, unsigned status = 302);
-    /// No answer until Release(), then this one.
+    /// Answers only after Release(), with this response.
     void ServeOnRelease(const std::string& path, const HttpResponse& response);
-    /// The head and the first half of the body at once, the rest after Release().
+    /// Sends the head and the first half of the body at once, and the rest after Release().
     void ServeHalfUntilRelease(const std::string& path, const HttpResponse& response);
 
-    /// Lets those go on that wait at this path, now and later.
+    /// Lets the requests for this path go on, those that wait now and those that come later.
     void Release(const std::string& path);
 
     /// Every request so far, in the order of arrival.
@@ -83,7 +83,8 @@ public:
     [[nodiscard]] std::vector<std::string> RequestLines() const;
     /// How many requests for this path have come.
     [[nodiscard]] std::size_t CountRequests(const std::string& path) const;
-    /// Blocks until so many requests for this path have come; false when the test deadline passed.
+    /// Blocks until this many requests for the path have come. Returns false after the test
+    /// deadline.
     [[nodiscard]] bool WaitForRequest(const std::string& path, std::size_t count = 1) const;
 
 private:

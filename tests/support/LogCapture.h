@@ -16,8 +16,8 @@ struct CapturedRecord {
     char level;
 };
 
-/// Keeps the log's records for as long as it lives. Records may come from any thread. There must
-/// be no other sink in the process at the time.
+/// Keeps the log's records as long as it lives. Records may come from any thread. There must be no
+/// other sink in the process meanwhile.
 class LogCapture {
 public:
     LogCapture();
@@ -25,15 +25,15 @@ public:
     /// Every record so far, in order.
     [[nodiscard]] std::vector<CapturedRecord> Records() const;
 
-    /// Every record so far as "E message", without function, file and line. A failed call reads
-    /// as "E invoked function returned 0xFE000002".
+    /// Every record so far as "E message", without function, file and line. A failed call reads as
+    /// "E invoked function returned 0xFE000002".
     [[nodiscard]] std::vector<std::string> Lines() const;
 
-    /// The function that each record names, in order, and the line.
+    /// The function or the line that each record names, in order.
     [[nodiscard]] std::vector<std::string> Functions() const { return Fields("Function: "); }
     [[nodiscard]] std::vector<std::string> SourceLines() const { return Fields("Line: "); }
 
-    /// Blocks until at least so many records have come; false when the test deadline passed.
+    /// Blocks until at least this many records have come. Returns false after the test deadline.
     [[nodiscard]] bool WaitForRecords(std::size_t count) const;
 
     /// Forgets what has come so far.

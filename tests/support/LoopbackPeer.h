@@ -6,7 +6,7 @@
 
 #include "FileDescriptor.h"
 
-/// A port of 127.0.0.1 that is taken and on which nobody listens: a connection is refused.
+/// A port of 127.0.0.1 that is bound but on which nobody listens, so that a connection is refused.
 class ClosedPort {
 public:
     ClosedPort();
@@ -18,8 +18,8 @@ private:
     std::uint16_t m_port;
 };
 
-/// A stream to the program under test. Nothing blocks for longer than the test deadline. Faults
-/// of the test's own side throw.
+/// A stream to the program under test. Nothing blocks for longer than the test deadline. Failures
+/// on the test's own side throw.
 class LoopbackConnection {
 public:
     explicit LoopbackConnection(FileDescriptor socket);
@@ -27,24 +27,24 @@ public:
     /// Writes all of it.
     void Send(const std::string& bytes) const;
 
-    /// Writes it in packets of one byte.
+    /// Writes everything in packets of one byte.
     void SendByteByByte(const std::string& bytes) const;
 
-    /// Reads so many bytes; fewer when the stream ended or the deadline passed.
+    /// Reads this many bytes; fewer if the stream ended or the deadline passed.
     [[nodiscard]] std::string Receive(std::size_t count) const;
 
-    /// Waits for the first byte and leaves it where it is.
+    /// Waits for the first byte and leaves it in the stream.
     [[nodiscard]] bool WaitForData() const;
 
-    /// True when the stream ends here, without a further byte.
+    /// Whether the stream ends here, without another byte.
     [[nodiscard]] bool IsAtEnd() const;
 
-    /// Says that nothing more comes, and still reads.
+    /// Ends our sending direction, but still reads.
     void EndSending() const;
 
     void Close() { m_socket.Close(); }
 
-    /// Ends the connection without a farewell.
+    /// Resets the connection.
     void Reset();
 
 private:
@@ -60,12 +60,12 @@ public:
 
     [[nodiscard]] std::uint16_t Port() const { return m_port; }
 
-    /// The connections accepted from now on take little that the test has not read.
+    /// Connections that are accepted from now on buffer little that the test has not read.
     void AcceptWithSmallBuffer() const;
 
     [[nodiscard]] LoopbackConnection Accept() const;
 
-    /// Connects to itself. With a backlog of 0 one such connection leaves no room for another.
+    /// Connects to itself. With a backlog of 0, one such connection leaves no room for another one.
     [[nodiscard]] LoopbackConnection Connect() const;
 
 private:

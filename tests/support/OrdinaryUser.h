@@ -7,7 +7,7 @@
 
 #include "TemporaryFolder.h"
 
-/// Gives up root's rights, which no file mode keeps out; to be called in a child process.
+/// Gives up root's rights, because root ignores file modes. Must be called in a child process.
 [[nodiscard]] inline bool BecomeOrdinaryUser() {
     constexpr uid_t kNobody = 65534;
     return geteuid() != 0 || seteuid(kNobody) == 0;

@@ -2,14 +2,14 @@
 
 #include <sys/types.h>
 
-/// What a process takes of the machine's memory, in KiB.
+/// How much of the machine's memory a process uses, in KiB.
 struct ProcessMemory {
     long resident = 0;
-    /// The same with each shared page counted by its share.
+    /// The same, but a page shared by n processes counts as 1/n.
     long proportional = 0;
-    /// What no other process shares.
+    /// Memory that no other process shares.
     long unshared = 0;
 };
 
-/// Zeros when the process is gone.
+/// All zero if the process is gone.
 [[nodiscard]] ProcessMemory MemoryOf(pid_t process);

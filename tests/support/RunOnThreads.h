@@ -3,7 +3,7 @@
 #include <thread>
 #include <vector>
 
-/// Runs the function so many times at once, each on a thread of its own, to the end of all.
+/// Runs the function this many times at once, each on a thread of its own, and waits for all.
 template <class Function>
 void RunOnThreads(unsigned count, const Function& function) {
     std::vector<std::thread> threads;

@@ -20,7 +20,7 @@ struct Screenshot {
     [[nodiscard]] Screenshot With(unsigned left, unsigned top, unsigned rectangleWidth,
                                   unsigned rectangleHeight, std::uint32_t colour) const;
 
-    /// Gives whether the file could be written.
+    /// Returns whether the file could be written.
     [[nodiscard]] bool WritePng(const std::string& path) const;
 
     /// Writes NAME.png into the folder that TK_SCREENSHOTS names, for a person to look at; without
@@ -31,8 +31,8 @@ struct Screenshot {
 bool operator==(const Screenshot& left, const Screenshot& right);
 bool operator!=(const Screenshot& left, const Screenshot& right);
 
-/// Whether two programs may have drawn the same thing: no colour is off by more than two levels of
-/// 256, as gradients are rounded, or lies beyond those of the pixels around it in the other
-/// picture, as an edge is smoothed. What is in one picture only, down to a line of one pixel, is
-/// found.
+/// Whether two programs may have drawn the same thing. Where a pixel differs, each of its colour
+/// levels must lie in the range of the pixels around it in the other picture, because edges are
+/// smoothed. A level may leave that range by two of 256, because gradients are rounded. Anything
+/// that is in one picture only is found, down to a line of one pixel.
 [[nodiscard]] bool LookTheSame(const Screenshot& left, const Screenshot& right);

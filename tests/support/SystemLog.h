@@ -15,12 +15,12 @@ struct SystemLogRecord {
     int priority = 0;      ///< facility | severity
     std::string identity;  ///< empty when the line has none
     pid_t pid = 0;         ///< 0 when the line has none
-    std::string text;      ///< what stands behind "identity[pid]: "
+    std::string text;      ///< what follows "identity[pid]: "
     std::string raw;
 };
 
-/// The system log of this private world: the datagram socket /dev/log, read for as long as this
-/// object lives. Any thread.
+/// The system log of this private world: the datagram socket /dev/log, read as long as this object
+/// lives. Any thread.
 class SystemLog {
 public:
     /// Throws std::system_error when the socket cannot be made.
@@ -29,13 +29,13 @@ public:
     SystemLog(const SystemLog&) = delete;
     SystemLog& operator=(const SystemLog&) = delete;
 
-    /// Every line so far, in order. What was written before the call is in it.
+    /// Every line so far, in order, including everything that was written before the call.
     [[nodiscard]] std::vector<SystemLogRecord> Records();
 
     /// The texts alone, of one identity.
     [[nodiscard]] std::vector<std::string> Texts(const std::string& identity);
 
-    /// Blocks until a line's text holds this part; false when the test deadline passed.
+    /// Blocks until a line's text contains this part. Returns false after the test deadline.
     [[nodiscard]] bool WaitFor(const std::string& part);
 
     /// Forgets what has come so far.

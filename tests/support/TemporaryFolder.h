@@ -3,8 +3,8 @@
 #include <filesystem>
 #include <string>
 
-/// A new empty folder, removed with all that is in it when the object goes. Other users may read
-/// it, so that a test can look at it with another user's eyes.
+/// A new empty folder. It is removed, with everything in it, when the object is destroyed. Other
+/// users may read it, so that a test can look at it as another user.
 class TemporaryFolder {
 public:
     TemporaryFolder();
@@ -24,7 +24,7 @@ private:
     std::filesystem::path m_path;
 };
 
-/// Writes a file anew, with the folders above it; throws when that fails.
+/// Writes a new file, and creates the folders above it. Throws if that fails.
 void WriteFile(const std::string& path, const std::string& bytes);
 
 /// The bytes of a file; throws when it cannot be read.

@@ -4,9 +4,9 @@
 
 #include <string>
 
-/// An X server of this process's own, without a screen or a window manager. While it lives,
-/// DISPLAY names it, and no other display, session bus or accessibility bus can be reached. It
-/// ends with the object, which gives DISPLAY its value before back, or with the process.
+/// An X server of this process's own, without a screen or a window manager. While it lives, DISPLAY
+/// names it, and no other display, session bus or accessibility bus can be reached. It ends with
+/// the object, which restores the previous value of DISPLAY, or with the process.
 class VirtualDisplay {
 public:
     /// Returns when clients can connect. The screen is "WIDTHxHEIGHTxDEPTH". Throws
@@ -16,7 +16,7 @@ public:
     VirtualDisplay(const VirtualDisplay&) = delete;
     VirtualDisplay& operator=(const VirtualDisplay&) = delete;
 
-    /// ":7", say.
+    /// For example ":7".
     [[nodiscard]] const std::string& Name() const { return m_name; }
 
 private:

@@ -5,8 +5,8 @@
 
 #include "TestDeadline.h"
 
-/// Looks again and again until the predicate holds; false when the test deadline passed. Only for
-/// what announces itself by no event: a pixel on the screen, the end of somebody's child.
+/// Asks the predicate again and again until it holds. Returns false after the test deadline. Only
+/// for things that send no event: a pixel on the screen, the end of somebody's child.
 template <class Predicate>
 [[nodiscard]] bool PollUntil(Predicate predicate) {
     constexpr std::chrono::milliseconds kInterval{5};

@@ -25,14 +25,14 @@ struct XGeometry {
 
 bool operator==(const XGeometry& left, const XGeometry& right);
 
-/// Whether the Shift key is pressed with a key that bears its symbol on the second level, where
-/// Num Lock gives those of the keypad as well.
+/// Whether the Shift key is pressed with a key that has its symbol on the second level. With Num
+/// Lock the keypad's symbols are there as well.
 enum class ShiftKey : std::uint8_t { AsNeeded, Never };
 
 enum class MouseButton : std::uint8_t { Left = 1, Middle = 2, Right = 3 };
 
-/// What a person at the screen can see and do, through a connection of its own to the X server. A
-/// window that is gone reads as unmapped, untitled and empty. For one thread.
+/// What a person at the screen can see and do, through its own connection to the X server. A window
+/// that is gone counts as unmapped, untitled and empty. For one thread.
 class XClient {
 public:
     /// Throws std::runtime_error when there is no such display.
@@ -53,13 +53,13 @@ public:
     [[nodiscard]] Screenshot Capture(XWindow window) const;
     [[nodiscard]] XWindow Root() const;
 
-    /// Blocks until the predicate holds, asking after each change of a top-level window; false when
-    /// the test deadline passed. Not for windows of this process, whose main loop would stand
-    /// still.
+    /// Blocks until the predicate holds, and asks it after each change of a top-level window.
+    /// Returns false after the test deadline. Not for windows of this process, because its main
+    /// loop would stand still.
     [[nodiscard]] bool WaitUntil(const std::function<bool()>& predicate);
 
-    /// Gives the window the keyboard, which without a window manager nobody else does. It must be
-    /// mapped.
+    /// Gives the window the keyboard focus, because without a window manager nobody else does. The
+    /// window must be mapped.
     void Focus(XWindow window);
 
     /// Presses the keys in this order and lets them go in the opposite one. Keys are X keysyms. A
