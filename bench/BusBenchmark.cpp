@@ -1,5 +1,5 @@
-// The start must not wait for services of the desktop: it takes as long on a session bus, and on
-// one with a portal that hangs, as without any bus.
+// The start must not wait for services of the desktop. It must take as long on a session bus, also
+// on one with a portal that hangs, as without a bus.
 
 #include "MeasuredProcess.h"
 #include "ProcessBenchmark.h"

@@ -1,5 +1,6 @@
-// The program's own gettext runtime against the C library's when one message is asked for again and
-// again. By itself, since the C library gets slower with each message that it ever found.
+// The program's own gettext runtime against the C library's, when one message is looked up again
+// and again. A program of its own, because the C library gets slower with each message that it has
+// found.
 
 #include "CatalogPeers.h"
 

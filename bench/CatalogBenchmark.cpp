@@ -1,5 +1,5 @@
 // The program's own gettext runtime against the C library's, on the same catalogues, when every
-// lookup is another: they grow with the logarithm of the catalogue.
+// lookup asks for another message. The time grows with the logarithm of the catalogue's size.
 
 #include <algorithm>
 #include <random>
@@ -10,7 +10,7 @@
 
 namespace {
 
-/// Keys in an order that no cache of the last lookups helps with.
+/// Keys in an order in which a cache of the last lookups does not help.
 std::vector<std::string> MixedKeys(std::size_t messages) {
     std::vector<std::string> keys(messages);
     for (std::size_t number = 0; number < messages; ++number) {

@@ -1,6 +1,6 @@
-// How long a catalogue takes until its first message is there, against the C library. A program of
-// its own: a runtime keeps each of these many domains, which no program has, and looks through
-// them.
+// How long it takes to load a catalogue and find its first message, against the C library. A
+// program of its own: a runtime keeps each of these many domains and searches through them, and no
+// real program has so many.
 
 #include <string>
 

@@ -22,7 +22,8 @@ struct Ours {
     static Gettext Functions() { return {bindtextdomain, dcgettext}; }
 };
 
-// Its functions have the names of ours, which come first wherever a name is looked up.
+// The C library's functions have the same names as ours, which come first wherever a name is looked
+// up.
 struct CLibrary {
     static Gettext Functions() {
         void* const library = dlopen("libc.so.6", RTLD_LAZY | RTLD_NOLOAD);
@@ -41,7 +42,8 @@ inline std::string Translation(std::size_t number) {
     return "Meldung " + std::to_string(number);
 }
 
-/// Catalogues of each size, made when first asked for, in a locale that the process then has.
+/// Catalogues of each size, created when first asked for, in a locale that the process has from
+/// then on.
 class CatalogFolder {
 public:
     CatalogFolder() {

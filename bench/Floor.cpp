@@ -1,5 +1,5 @@
-// The least that shows a page with this engine: an application, a window, a view, a load. What
-// starts later than this, or takes more, does so by its own doing.
+// The smallest program that shows a page with this engine: an application, a window, a view, a
+// load. A program that starts later, or needs more memory, does so through its own work.
 //
 //   floor [--show] [URL]
 //
@@ -86,7 +86,7 @@ private:
     static gboolean commandCB(GIOChannel* /*channel*/, GIOCondition /*condition*/, gpointer self) {
         std::string command;
         std::string url;
-        // Its writer writes whole lines, one at a time.
+        // The writer at the other end writes whole lines, one at a time.
         if (!(std::cin >> command)) {
             command = "quit";
         }

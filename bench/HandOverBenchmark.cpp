@@ -1,5 +1,5 @@
-// How long an operation is on its way from one thread to the other: through the main loop, as the
-// window's door does it, against the bare waking of a thread.
+// How long it takes to hand an operation from one thread to the other: through the main loop, as
+// the window does it, against only waking a thread.
 
 #include <benchmark/benchmark.h>
 #include <glib.h>
@@ -10,7 +10,7 @@
 
 namespace {
 
-/// A thread that waits for the turns that another gives it.
+/// A thread that waits for its turns, which another thread gives it.
 class Turn {
 public:
     void Give() {
@@ -35,7 +35,7 @@ gboolean CarryOutCB(gpointer data) {
     return G_SOURCE_REMOVE;
 }
 
-// An idle source of the main loop, which then says that it ran.
+// An idle source of the main loop. It reports that it ran.
 struct Ours {
     void Run() {
         m_thread = std::thread([this] { g_main_loop_run(m_loop); });

@@ -1,5 +1,5 @@
-// How often a process that has nothing to do wakes up, and how much of the processor it takes,
-// hidden, after a result. The floor is watched over the same time.
+// How often an idle process wakes up, and how much processor time it uses, when its window is
+// hidden after a result. The floor program is measured over the same time.
 
 #include <filesystem>
 #include <fstream>
@@ -19,10 +19,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// What follows a page's end (collected garbage, closed connections) is no idling.
+// The work that follows a page's end, such as collecting garbage and closing connections, is not
+// idling.
 constexpr std::chrono::seconds kRest{5};
 
-// The engine's timers come as they like, so that one minute of one process tells little.
+// The engine's timers come irregularly, so one minute of one process tells little.
 constexpr int kPairs = 5;
 
 struct Activity {
@@ -30,7 +31,8 @@ struct Activity {
     double milliseconds = 0;
 };
 
-// By the number of the thread, which no two have, whichever process they are of.
+// The key is the number of the thread. No two threads have the same number, even in different
+// processes.
 using Activities = std::map<std::string, Activity>;
 
 Activity ActivityOfThread(const fs::path& folder) {
@@ -60,7 +62,7 @@ Activities ActivitiesOf(const std::set<pid_t>& processes) {
     return activities;
 }
 
-// What the threads of today have done since. Those that have ended meanwhile took theirs along.
+// What the present threads have done since. Threads that ended in between are not counted.
 Activity Difference(const Activities& before, const Activities& after) {
     Activity sum;
     for (const auto& [thread, activity] : after) {
@@ -114,7 +116,7 @@ void Measure(const Amount& amount, TimedPages& pages) {
         static_cast<void>(floor.AwaitLine("ready"));
         static_cast<void>(floor.AwaitLine("finished"));
     }
-    // What is measured here is that nothing happens: there is no event to wait for.
+    // The measurement is of nothing happening, so there is no event to wait for.
     std::this_thread::sleep_for(std::min(kRest, std::chrono::seconds(amount.seconds)));
     std::vector<Watched> all;
     for (const auto& helper : helpers) {
@@ -123,7 +125,7 @@ void Measure(const Amount& amount, TimedPages& pages) {
     for (const auto& floor : floors) {
         all.emplace_back("Floor", floor->Process().Pid());
     }
-    // The time that is measured: nothing happens in it either.
+    // The measured time. Nothing happens in it either.
     std::this_thread::sleep_for(std::chrono::seconds(amount.seconds));
     for (const Watched& watched : all) {
         watched.ReportSince();

@@ -23,7 +23,8 @@ namespace {
 using boost::asio::ip::tcp;
 using boost::system::error_code;
 
-/// The helper's half as far as the socket goes: operations become records, records results.
+/// The helper's part as far as the socket: it turns operations into records, and records into
+/// results.
 class Ours : public IBrowserIpcClientCB {
 public:
     explicit Ours(std::uint16_t port) {
@@ -48,7 +49,7 @@ private:
     IBrowserIpcClient* m_client = nullptr;
 };
 
-/// Gives back what comes, as it comes.
+/// Sends back what it receives, as it receives it.
 class AsioEcho {
 public:
     explicit AsioEcho(std::uint16_t port) {
@@ -88,7 +89,7 @@ private:
     std::thread m_thread;
 };
 
-/// The agent's end of a connection to one of the two.
+/// The agent's end of a connection to the helper's part or to the echo.
 template <class Peer>
 class Session {
 public:
@@ -101,7 +102,7 @@ public:
         m_connection = m_agent.Accept(DeadlineIn(kTestDeadline));
     }
 
-    /// Writes the frame in so many pieces, each of which is a packet of its own.
+    /// Writes the frame in this many pieces, each in a packet of its own.
     void Send(std::string_view frame, std::size_t pieces) {
         const std::size_t size = (frame.size() + pieces - 1) / pieces;
         while (!frame.empty()) {

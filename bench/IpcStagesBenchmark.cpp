@@ -1,5 +1,5 @@
-// What an operation goes through on its way in and a result on its way out, stage by stage, beside
-// the property tree that the JSON stages cannot do without.
+// The stages through which an operation comes in and a result goes out, each measured alone, beside
+// the property tree, which the JSON stages cannot do without.
 
 #include <benchmark/benchmark.h>
 

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <string>
 
-/// An operation of exactly so many bytes, as agents write them; at least 200.
+/// An operation of exactly this many bytes, as agents write it; at least 200.
 inline std::string OperationText(std::size_t size) {
     const std::string begin =
         R"({"operation":"browse_for_cookie","show":true,"final_url":"https://vpn.example/welcome",)"

@@ -1,5 +1,5 @@
-// A record through the log's entry points, its sink discarding it, against snprintf() of the same
-// text. The counter tells how many allocations each record made before the sink: none.
+// A record through the log's entry points, with a sink that discards it, against snprintf() of the
+// same text. The counter shows how many allocations each record made before the sink: none.
 
 #include <benchmark/benchmark.h>
 

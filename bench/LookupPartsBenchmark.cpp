@@ -1,5 +1,5 @@
-// What each lookup of the gettext runtime does, one by one: the search itself, and what comes
-// before it in an unchanged setting.
+// The parts of each lookup of the gettext runtime, one by one: the search itself, and the steps
+// before it while nothing has changed.
 
 #include <benchmark/benchmark.h>
 
@@ -88,7 +88,7 @@ void FindingAgain(benchmark::State& state) {
 }
 BENCHMARK(FindingAgain)->Arg(10)->Arg(1000)->Arg(20000);
 
-// What is not there is searched for each time.
+// A key that does not exist is searched for each time.
 void Searching(benchmark::State& state) {
     Find(state, "message 5!");
 }

@@ -1,5 +1,5 @@
-// MatchWildcard() promises time in proportion to its texts. Text and pattern grow together here:
-// a matcher that goes back and tries again takes the square of their length, or worse.
+// MatchWildcard() promises linear time. Text and pattern grow together here. A matcher that goes
+// back and tries again would take quadratic time, or worse.
 
 #include <benchmark/benchmark.h>
 
@@ -22,8 +22,8 @@ void Measure(benchmark::State& state, const std::string& text, const std::string
                             static_cast<std::int64_t>(text.size() + pattern.size()));
 }
 
-// "aaaa..." against "*a*a*a...*b": the stars could share the text out in countless ways, and the
-// end forbids every one of them.
+// "aaaa..." against "*a*a*a...*b". The stars could divide the text in countless ways, and the end
+// rules out every one of them.
 void ManyStarsThatFail(benchmark::State& state) {
     const auto length = static_cast<std::size_t>(state.range(0));
     std::string pattern;
@@ -34,7 +34,7 @@ void ManyStarsThatFail(benchmark::State& state) {
 }
 BENCHMARK(ManyStarsThatFail)->RangeMultiplier(4)->Range(kShortest, kLongest)->Complexity();
 
-// The same with the failing segment in the middle, where it is looked for in the whole text.
+// The same with the failing segment in the middle, where the whole text is searched for it.
 void ManyStarsThatFailInside(benchmark::State& state) {
     const auto length = static_cast<std::size_t>(state.range(0));
     std::string pattern;

@@ -14,19 +14,20 @@
 
 using Environment = std::map<std::string, std::optional<std::string>>;
 
-/// A program that is measured, with all of its processes. What never comes throws, here and below.
+/// A program that is measured, with all of its processes. Here and below, functions throw if what
+/// they wait for never comes.
 class MeasuredProcess {
 public:
-    /// Starts it. Its output goes nowhere unless a descriptor is given.
+    /// Starts the program. Its output is discarded, unless a descriptor is given.
     explicit MeasuredProcess(const std::vector<std::string>& arguments,
                              const Environment& environment = {}, int input = -1, int output = -1);
-    /// Ends every one of its processes, and waits for that.
+    /// Ends all of its processes and waits until they have ended.
     ~MeasuredProcess();
     MeasuredProcess(const MeasuredProcess&) = delete;
     MeasuredProcess& operator=(const MeasuredProcess&) = delete;
 
     [[nodiscard]] pid_t Pid() const { return m_process.Pid(); }
-    /// Right before it was started.
+    /// The moment right before the start.
     [[nodiscard]] Moment Start() const { return m_start; }
     [[nodiscard]] Moment AwaitEnd();
     /// Waits until its threads sleep.
@@ -46,7 +47,7 @@ public:
     [[nodiscard]] Moment Connected() const { return m_connected; }
     [[nodiscard]] Moment Ready() const { return m_ready; }
 
-    /// Each gives the moment right before it is sent.
+    /// Each returns the moment right before it sends.
     Moment Browse(const std::string& url, bool show = false);
     Moment BrowseForCookie(const std::string& url);
     Moment Reset() { return Send({BrowserOperationType::reset, false, 0, "", "", "", "", "", ""}); }
@@ -54,7 +55,7 @@ public:
         return Send({BrowserOperationType::terminate, false, 0, "", "", "", "", "", ""});
     }
 
-    /// When the next result was read; it must be this one.
+    /// Returns when the next result was read. The result must be this one.
     [[nodiscard]] Moment AwaitResult(BrowserResultType expected);
 
 private:
@@ -67,7 +68,7 @@ private:
     Moment m_ready;
 };
 
-/// The floor program, which takes lines for operations and gives lines for results.
+/// The floor program. Its operations and results are lines of text.
 class MeasuredFloor {
 public:
     explicit MeasuredFloor(const std::vector<std::string>& arguments = {},
@@ -76,7 +77,7 @@ public:
     [[nodiscard]] MeasuredProcess& Process() { return *m_process; }
 
     Moment Tell(const std::string& line);
-    /// When the next line was read; it must be this one.
+    /// Returns when the next line was read. The line must be this one.
     [[nodiscard]] Moment AwaitLine(const std::string& expected);
 
 private:

@@ -1,4 +1,4 @@
-// The memory that is a process's own: after the start, after a page, and after long use.
+// A process's private memory: after the start, after a page and after long use.
 
 #include "MeasuredProcess.h"
 #include "ProcessBenchmark.h"
@@ -32,8 +32,8 @@ void StartFloor(TimedPages& pages) {
     ReportMemory("after a page", "Floor", floor.Process());
 }
 
-/// Does something over and over in one process, and tells of its memory behind the first tenth,
-/// which warms it up, and at the end.
+/// Does something again and again in one process. Reports the process's memory after the first
+/// tenth, which warms it up, and at the end.
 void Endure(const std::string& program, const std::string& turns, int count,
             const MeasuredProcess& process, const std::function<void()>& turn) {
     const int firstTenth = (count + kTenth - 1) / kTenth;
@@ -83,7 +83,7 @@ void EndureResetsInFloor(int count) {
 
 void Measure(const Amount& amount, TimedPages& pages) {
     Interleave(amount.rounds, {[&] { StartHelper(pages); }, [&] { StartFloor(pages); }});
-    // One at a time: what two processes share counts for neither.
+    // One process at a time, because memory that two processes share counts as private to neither.
     EndureOperationsInHelper(pages, amount.operations);
     EndureOperationsInFloor(pages, amount.operations);
     EndureResetsInHelper(amount.resets);

@@ -1,12 +1,12 @@
-// What an operation takes in a running process. The floor does the same at once, so that the
-// difference is the program's own share.
+// How long an operation takes in a running process. The floor program does the same directly, so
+// the difference is the program's own share.
 
 #include "MeasuredProcess.h"
 #include "ProcessBenchmark.h"
 
 namespace {
 
-// The first pages of a new process still warm it up.
+// The first pages of a new process warm it up.
 constexpr int kWarmPages = 10;
 
 constexpr char kToRequest[] = "operation to the page's GET";
@@ -20,7 +20,7 @@ public:
     explicit Operations(TimedPages& pages) : m_pages(pages) { Check(m_floor.AwaitLine("ready")); }
 
     void Helper() {
-        // The view is the last round's new one, and has no process of the engine yet.
+        // The reset of the last round created this view. It has no process of the engine yet.
         m_helper.Browse(m_pages.NewPage());
         Check(m_helper.AwaitResult(BrowserResultType::success));
 
@@ -66,7 +66,7 @@ public:
     }
 
 private:
-    /// That it came is all that counts.
+    /// Only that the line came matters, not when.
     static void Check(Moment /*moment*/) {}
 
     TimedPages& m_pages;

@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 
 bool isWarmingUp = false;
 
-// Where the private world shows nothing, the suite's icon and translation appear.
+// In the private world this folder is empty. The suite's icon and translation go there.
 void InstallSuite() {
     const fs::path root(kInstallRoot);
     fs::create_directories(root / "resources");

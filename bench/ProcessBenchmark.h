@@ -16,21 +16,22 @@ struct Amount {
     int operations = 10000;
 };
 
-/// What a benchmark of whole processes has: main() makes a private world with a display, in which
-/// the suite's files are installed, and calls this.
+/// A benchmark of whole processes defines this function. main() creates a private world with a
+/// display, in which the suite's files are installed, and then calls it.
 void Measure(const Amount& amount, TimedPages& pages);
 
-/// Prints one sample: what was measured, of which program ("Ours" or another's name), and how
-/// much. bench/tabulate.py makes a table of them.
+/// Prints one sample: the measure, the program ("Ours" or another's name), and the value.
+/// bench/tabulate.py turns samples into a table.
 void Report(const std::string& measure, const std::string& program, double value,
             const std::string& unit);
 /// The same for a time, in milliseconds.
 void Report(const std::string& measure, const std::string& program, Moment from, Moment to);
 
-/// Empties the home folder that all of them share, so that none finds what another left.
+/// Empties the home folder that all of them share, so that none finds another's files.
 void EmptyHome();
 
-/// While it lives, samples are not printed: the first round finds everything cold.
+/// While this object lives, samples are not printed, because the first round starts with cold
+/// caches.
 class WarmingUp {
 public:
     WarmingUp();
@@ -39,6 +40,6 @@ public:
     WarmingUp& operator=(const WarmingUp&) = delete;
 };
 
-/// Calls each of them once unreported, then so many times each in turn. Who comes first changes
-/// from round to round.
+/// Calls each of them once without a report, then this many times in turn. The order changes from
+/// round to round.
 void Interleave(int rounds, const std::vector<std::function<void()>>& programs);

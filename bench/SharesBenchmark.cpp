@@ -1,5 +1,5 @@
-// What the program itself adds to an operation: the time between what it calls of its socket, of
-// the engine and of the toolkit.
+// The program's own share of an operation: the time between its calls of its socket, of the engine
+// and of the toolkit.
 
 #include <filesystem>
 #include <fstream>
@@ -43,8 +43,8 @@ private:
     const std::string m_path = m_folder.Path("calls");
 };
 
-/// The time from the end of the last call of `first` to the next one of `last`, less that of the
-/// calls in between, in milliseconds.
+/// The time from the end of the last call of `first` to the next call of `last`, minus the time of
+/// the calls in between, in milliseconds.
 double ShareBetween(const std::string& first, const std::string& last,
                     const std::vector<Call>& calls) {
     std::size_t from = calls.size();
@@ -91,7 +91,7 @@ public:
         ReportShare("cookies told to the result sent", "webkit_cookie_manager_get_cookies_finish",
                     "send", Await(BrowserResultType::success_with_cookie));
 
-        // The page's last events are the engine's, and would have the reset wait for them.
+        // The page's last events are the engine's. Without this wait the reset would wait for them.
         m_helper.Process().Settle();
         static_cast<void>(m_helper.Reset());
         const std::vector<Call> reset = Await(BrowserResultType::ready);

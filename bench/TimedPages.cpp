@@ -13,7 +13,7 @@ constexpr char kLoaded[] = "/loaded";
 const std::string kBody =
     "<script>addEventListener('load', () => fetch('/loaded' + location.search));</script>hello";
 
-// From the query on, which is each page's own.
+// From the query on. Each page has its own query.
 std::string QueryOf(const std::string& url) {
     return url.substr(url.find('?'));
 }

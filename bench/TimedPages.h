@@ -10,18 +10,18 @@
 
 using Moment = std::chrono::steady_clock::time_point;
 
-/// A web server that notes when each of its pages was asked for, and when its load event came: the
-/// page tells with a request of its own. Any thread.
+/// A web server that records when each of its pages was requested and when its load event came. The
+/// page reports its load event by a request. Any thread.
 class TimedPages {
 public:
     TimedPages();
 
-    /// The address of a page that nobody has asked for yet.
+    /// The address of a page that nobody has requested yet.
     [[nodiscard]] std::string NewPage();
-    /// The same of one that sets the cookie "session".
+    /// The same for a page that sets the cookie "session".
     [[nodiscard]] std::string NewPageWithCookie();
 
-    /// When the page at that address was asked for. Throws when that never happens.
+    /// When the page at that address was requested. Throws if that never happens.
     [[nodiscard]] Moment AwaitRequest(const std::string& url);
     /// When its load event came.
     [[nodiscard]] Moment AwaitLoad(const std::string& url);

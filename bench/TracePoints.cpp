@@ -1,7 +1,7 @@
-// Preloaded into the helper: notes what the program itself calls of its socket, of the engine and
-// of the toolkit, each as "function, start, end" in nanoseconds of the steady clock, a line in the
-// file that TK_TRACE_POINTS names, whenever something is sent. A share of the program's own is what
-// lies between two such calls.
+// Preloaded into the helper. Records the calls that the program itself makes of its socket, of the
+// engine and of the toolkit. Each call is a line "function, start, end", in nanoseconds of the
+// steady clock. Whenever something is sent, the lines go to the file that TK_TRACE_POINTS names.
+// The program's own share is the time between two such calls.
 
 #include <dlfcn.h>
 #include <link.h>
@@ -26,7 +26,7 @@ Nanoseconds Now() {
     return std::chrono::nanoseconds(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
-// The addresses of the program's own code: it comes first in the list.
+// The addresses of the program's own code. The program comes first in the list.
 std::pair<std::uintptr_t, std::uintptr_t> ProgramBounds() {
     std::pair<std::uintptr_t, std::uintptr_t> bounds{};
     dl_iterate_phdr(
@@ -43,7 +43,7 @@ std::pair<std::uintptr_t, std::uintptr_t> ProgramBounds() {
     return bounds;
 }
 
-/// What has been noted since it was last written. The program's threads share it.
+/// The calls recorded since the last write. The program's threads share this.
 class Notes {
 public:
     void Add(const char* function, Nanoseconds start, Nanoseconds end) {
@@ -71,13 +71,13 @@ private:
     std::vector<Note> m_notes;
 };
 
-// Never destroyed: the program's threads call until the last.
+// Never destroyed, because the program's threads make calls until the end.
 Notes& TheNotes() {
     static Notes* const notes = std::make_unique<Notes>().release();
     return *notes;
 }
 
-/// One call of the engine, from here to the end of the scope, if the program itself makes it.
+/// One call of the engine, from here to the end of the scope, if the program itself makes the call.
 class Call {
 public:
     Call(const char* function, const void* caller) : m_function(function) {
@@ -128,7 +128,7 @@ ssize_t send(int descriptor, const void* buffer, std::size_t size, int flags) {
     static auto* const next = Next<decltype(send)>(__func__);
     if (IsConnectionToAgent(descriptor)) {
         { const Call sending(__func__, __builtin_return_address(0)); }
-        // Before the agent can know, and look.
+        // Written before the agent can know of the result and read the file.
         TheNotes().Write();
     }
     return next(descriptor, buffer, size, flags);

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Makes tables of medians and ratios out of what the benchmarks print.
+"""Turns the output of the benchmarks into tables of medians and ratios.
 
     tabulate.py FILE...
 
@@ -24,15 +24,15 @@ def samples_of_functions(path):
         for run in json.loads(path.read_text())["benchmarks"]
         if run["run_type"] == "iteration"
     ]
-    # They ran in random order.
+    # The runs are in random order.
     runs.sort(key=lambda run: (run["family_index"], run["per_family_instance_index"]))
     for run in runs:
         if run.get("error_occurred"):
             sys.exit(f"{path.name}: {run['name']}: {run['error_message']}")
-        # What other threads do counts only where the benchmark says so.
+        # Real time, which includes what other threads do, only where the benchmark says so.
         time = run["real_time" if "/real_time" in run["run_name"] else "cpu_time"]
         name = re.sub(r"/real_time|/iterations:\d+|/repeats:\d+", "", run["run_name"])
-        # Measure<Program>/argument; what is measured alone has no program.
+        # The name is Measure<Program>/argument. A measure without a peer has no program.
         measure, program, argument = re.fullmatch(r"(\w+)(?:<(\w+)>)?(.*)", name).groups()
         text = re.sub(r"(?<!^)(?=[A-Z])", " ", measure).lower() + argument.replace("/", ", ")
         yield text, program or OURS, time, run["time_unit"]
@@ -48,7 +48,7 @@ def samples_of_processes(path):
 
 
 def medians(samples):
-    """{measure: {program: (median, unit)}}, in the order in which they first came."""
+    """Returns {measure: {program: (median, unit)}}, in the order of first appearance."""
     values = {}
     for measure, program, value, unit in samples:
         values.setdefault(measure, {}).setdefault((program, unit), []).append(value)
