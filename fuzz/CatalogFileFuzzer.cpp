@@ -1,5 +1,5 @@
-// A compiled catalogue: in memory that ends where it ends, and as a file below the installation
-// folder, with lookups in what loads.
+// A compiled catalogue, once in memory that ends at its last byte, and once as a file below the
+// installation folder. What loads is also searched.
 
 #include <algorithm>
 #include <clocale>
@@ -27,7 +27,7 @@ constexpr char kDomain[] = "Fuzz";
 
 using Strings = std::vector<std::string_view>;
 
-/// The file's tables read a second time, word by word with 64-bit arithmetic.
+/// Reads the file's tables a second time, word by word, with 64-bit arithmetic.
 class Reference {
 public:
     explicit Reference(std::string_view bytes) : m_bytes(bytes) {
@@ -116,7 +116,7 @@ private:
     Strings m_translations;
 };
 
-/// Some of the catalogue's own keys, and others that are near to them.
+/// Some of the catalogue's own keys, and others that are similar.
 std::vector<std::string> Keys(const Reference& reference) {
     std::vector<std::string> keys = {"", "a", "m", "zzz", "\xff"};
     const Strings& originals = reference.Originals();
@@ -154,7 +154,7 @@ GuardedMemory& Guarded() {
     return memory;
 }
 
-/// Whatever a truncation leaves, it is read to its new end at most.
+/// However the file was truncated, reading stops at its new end at the latest.
 void CheckTruncations(std::string_view bytes) {
     for (std::size_t size = 0; size < bytes.size(); ++size) {
         const std::string_view truncated = Guarded().Place(bytes.substr(0, size));
@@ -162,7 +162,7 @@ void CheckTruncations(std::string_view bytes) {
     }
 }
 
-/// The runtime's way: from the file, for the process's locale.
+/// Loads as the runtime does: from the file, for the process's locale.
 void CheckFile(std::string_view bytes, const Reference& reference) {
     static CTextDomains domains;
     WriteInstalledFile("l10n/C.UTF-8/LC_MESSAGES/" + std::string(kDomain) + ".mo", bytes);

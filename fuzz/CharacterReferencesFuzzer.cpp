@@ -1,4 +1,4 @@
-// A text with numeric character references, as translations hold them.
+// A text with numeric character references, as translations contain them.
 
 #include <algorithm>
 #include <optional>
@@ -34,7 +34,7 @@ std::optional<char> Expected8Bits(const std::string& code) {
     return static_cast<char>(remainder);
 }
 
-/// The rule told a second time, step by step.
+/// A second implementation of the rule, step by step.
 std::string Expected(const std::string& text) {
     std::string decoded = text;
     for (;;) {

@@ -1,6 +1,6 @@
 #pragma once
 
-/// Ends the program, in every kind of build, when what a fuzz target promises does not hold.
+/// Ends the program, in every kind of build, if a fuzz target's promise does not hold.
 #define TK_CHECK(condition) \
     ((condition) ? static_cast<void>(0) : FailCheck(#condition, __FILE__, __LINE__))
 

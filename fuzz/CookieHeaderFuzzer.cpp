@@ -1,4 +1,4 @@
-// The text of a server's "Set-Cookie" header, and the name of the cookie that is looked for.
+// The text of a server's "Set-Cookie" header, and the name of the cookie to find.
 //
 // Input: the name, a line feed, and the header.
 
@@ -20,7 +20,7 @@ bool StandsAt(const std::string& text, std::size_t position, const std::string& 
     return true;
 }
 
-/// The rule told a second time, byte by byte.
+/// A second implementation of the rule, byte by byte.
 std::string Expected(const std::string& header, const std::string& name) {
     std::size_t match = 0;
     while (match < header.size() && !StandsAt(header, match, name)) {

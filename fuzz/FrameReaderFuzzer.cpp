@@ -1,4 +1,4 @@
-// Bytes of the agent, as the transport takes them off its stream.
+// The agent's bytes, as the transport reads them from its stream.
 //
 // Input: a byte that chooses the longest payload, a byte that chooses how the rest is split, and
 // the bytes of the stream.
@@ -22,14 +22,14 @@ constexpr int kRunsTried = 32;
 struct Received {
     std::vector<std::string> messages;
     bool isRefused = false;
-    std::size_t unused = 0;  ///< bytes behind the last one that was taken
+    std::size_t unused = 0;  ///< bytes after the last one that was taken
 
     bool operator==(const Received& other) const {
         return messages == other.messages && isRefused == other.isRefused && unused == other.unused;
     }
 };
 
-/// Stands where the socket is: collects what arrives until there is as much as was asked for.
+/// Replaces the socket: collects what arrives until there is as much as was asked for.
 class Stream {
 public:
     explicit Stream(std::size_t maximum) : m_reader(maximum), m_maximum(maximum) {}
@@ -80,7 +80,7 @@ std::uint64_t LengthIn(std::string_view header) {
     return length;
 }
 
-/// The same told a second time, with the whole stream at hand.
+/// A second implementation, which has the whole stream at hand.
 Received Expected(std::string_view bytes, std::size_t maximum) {
     Received received;
     while (bytes.size() >= kFrameHeaderSize) {
@@ -115,7 +115,7 @@ Received ReadSplit(std::string_view bytes, std::size_t maximum, unsigned longest
     return stream.Result();
 }
 
-/// Hands over runs that nobody asked for: each is judged from its own bytes, and refused once.
+/// Passes runs of a size that was not asked for. Each is judged by its own bytes, and refused once.
 void HandOverAnyRuns(std::string_view bytes, std::size_t maximum) {
     LogCapture log;
     CJsonIpcFrameReader reader(maximum);

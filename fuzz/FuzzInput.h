@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-/// Cuts an input into the values that a target tries. What is missing at the input's end reads as
-/// 0 or as an empty text.
+/// Cuts an input into the values that a target tries. Values missing at the end of the input are 0
+/// or empty.
 class FuzzInput {
 public:
     FuzzInput(const std::uint8_t* data, std::size_t size);
@@ -16,18 +16,18 @@ public:
 
     std::uint8_t TakeByte();
 
-    /// The bytes up to the next line feed, which is taken as well.
+    /// The bytes up to the next line feed, which is consumed too.
     std::string TakeLine();
 
-    /// All that is left.
+    /// The rest of the input.
     std::string TakeRest();
 
 private:
     std::string_view m_rest;
 };
 
-/// A copy of the bytes in a heap block of exactly their size: under the address sanitizer, reading
-/// one byte more or one before is fatal.
+/// A copy of the bytes in a heap block of exactly their size. Under the address sanitizer, reading
+/// one byte before or after it is fatal.
 class ExactBytes {
 public:
     explicit ExactBytes(std::string_view bytes);

@@ -1,4 +1,4 @@
-// The name of a locale, from which the folders of its catalogues follow.
+// The name of a locale, from which the folders of its catalogues are derived.
 
 #include <algorithm>
 #include <cctype>
@@ -33,7 +33,7 @@ std::string Lower(std::string text) {
     return text;
 }
 
-/// The list told a second time; each part keeps its separator.
+/// A second implementation of the list. Each part keeps its separator.
 std::string Expected(const std::string& name) {
     std::string language = name;
     const auto modifier = CutAtLast('@', language);
@@ -77,7 +77,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const ExactBytes exactName({name.c_str(), name.size() + 1});
 
     const auto candidates = std::make_unique<CLocaleCandidates>();
-    // What a list held before, here the longest one, leaves no trace.
+    // The previous contents of a list, here the longest one, leave no trace.
     TK_CHECK(candidates->Build(std::string(kLongestList, 'x').c_str()));
     const bool fits = candidates->Build(exactName.View().data());
     TK_CHECK(fits == (expected.size() <= kLongestList));

@@ -1,6 +1,7 @@
 // The text of the debug-log configuration file.
 
-// The JSON reader of this Boost asks for it; without it every build prints a note.
+// Boost's JSON reader uses the global bind placeholders. Without this macro every build prints a
+// note.
 #define BOOST_BIND_GLOBAL_PLACEHOLDERS
 
 #include <algorithm>
@@ -58,7 +59,7 @@ std::optional<std::int32_t> Number(std::string text) {
     return error == std::errc() && stop == end ? std::optional(number) : std::nullopt;
 }
 
-/// What the members of the document come to, told a second time.
+/// A second implementation: the levels that the document's members give.
 Outcome Expected(const std::string& text) {
     Outcome outcome;
     try {
@@ -91,8 +92,8 @@ Outcome Expected(const std::string& text) {
 
 int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
     EnterPrivateInstallation();
-    // Without a file the effective table is the defaults, with which a lookup loads nothing: a
-    // load does not come back to itself.
+    // Without a file the effective table is the default one. A lookup in it then loads nothing, so
+    // a load does not recurse.
     CAppLogCustomConfig::init();
     return 0;
 }

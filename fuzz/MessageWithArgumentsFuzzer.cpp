@@ -1,6 +1,6 @@
 // A message, as a translator may have written it, and the arguments for its conversions.
 //
-// Input: the message, and behind a line feed each an argument.
+// Input: the message, then the arguments, each after a line feed.
 
 #include <algorithm>
 #include <string>
@@ -19,7 +19,7 @@ constexpr std::size_t kMaximumWidthDigits = 4;
 constexpr std::size_t kLongestText = 2047;
 constexpr char kPositionCharacters[] = "$0123456789";
 
-/// What one conversion gives, told a second time without a formatter.
+/// A second implementation of one conversion, without a formatter.
 class Arguments {
 public:
     explicit Arguments(const std::vector<std::string>& arguments) : m_arguments(arguments) {}
@@ -39,7 +39,8 @@ public:
     }
 
 private:
-    /// 0 for a number that is none or does not fit; those beyond every argument are all alike.
+    /// 0 for a text that is not a number or a number that does not fit. Numbers beyond every
+    /// argument are all alike.
     static std::size_t NumberOf(const std::string& digits) {
         const std::string significant =
             digits.substr(std::min(digits.find_first_not_of('0'), digits.size()));
@@ -73,7 +74,7 @@ std::string Inserted(const std::string& message, const std::vector<std::string>&
     std::string text;
     for (std::size_t position = 0; position < message.size(); ++position) {
         if (message[position] == '\0') {
-            // A zero that is no conversion's own ends the message.
+            // A zero that does not belong to a conversion ends the message.
             return text;
         }
         if (message[position] != '%') {

@@ -1,4 +1,4 @@
-// A document of the agent, read as an operation.
+// A document from the agent, read as an operation.
 
 #include <algorithm>
 #include <cstring>
@@ -25,7 +25,7 @@ bool HaveEqualAddresses(const CBrowserOperation& left, const CBrowserOperation& 
            std::strcmp(left.GetUserAgent(), right.GetUserAgent()) == 0;
 }
 
-/// How the window is to look travels with the two kinds of browsing only, its time limit with one.
+/// Only the two kinds of browsing carry the window's look, and only one of them the time limit.
 bool HaveEqualLooks(const CBrowserOperation& left, const CBrowserOperation& right) {
     return left.GetShow() == right.GetShow() &&
            std::strcmp(left.GetTitle(), right.GetTitle()) == 0 &&
@@ -59,7 +59,7 @@ void CheckWritten(const CBrowserOperation& operation) {
     TK_CHECK(again.GetOperationType() == operation.GetOperationType());
     TK_CHECK(HaveEqualAddresses(again, operation));
     TK_CHECK(!IsBrowsing(operation) || HaveEqualLooks(again, operation));
-    // Texts may hold zeros, behind which only the document looks.
+    // Texts may contain zeros. Only the document shows what follows them.
     std::string jsonAgain;
     TK_CHECK(again.Serialize(jsonAgain));
     TK_CHECK(jsonAgain == json);

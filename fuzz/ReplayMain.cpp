@@ -1,6 +1,6 @@
-// Takes the fuzzing engine's place in an ordinary build: tries every file of the given folders.
-// Folders that are not there, such as the one for crashes before the first is found, count as
-// empty; finding no file at all is a failure.
+// Replaces the fuzzing engine in an ordinary build: tries every file of the given folders. A folder
+// that does not exist, such as the one for crashes before the first crash, counts as empty. If no
+// file is found at all, the replay fails.
 
 #include <cstdio>
 #include <cstdlib>
@@ -13,7 +13,7 @@
 
 #include "FuzzTarget.h"
 
-// Targets that need no preparation have none.
+// Targets that need no preparation do not define this.
 #pragma weak LLVMFuzzerInitialize
 
 namespace {
@@ -38,10 +38,11 @@ bool Replay(const fs::path& path) {
         std::fprintf(stderr, "cannot read %s\n", path.c_str());
         return false;
     }
-    // Named beforehand: a fault ends the program.
+    // Prints the name before the run, because a fault ends the program.
     std::printf("%s\n", path.c_str());
     std::fflush(stdout);
-    // As the engine gives it: a block of its own, at whose end the sanitizers look.
+    // As the engine passes it: in a block of its own, so that the sanitizers find reads beyond its
+    // end.
     const std::unique_ptr<std::uint8_t[]> block(new std::uint8_t[bytes.size()]);
     std::copy(bytes.begin(), bytes.end(), block.get());
     return LLVMFuzzerTestOneInput(block.get(), bytes.size()) == 0;

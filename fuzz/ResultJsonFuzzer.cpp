@@ -1,4 +1,4 @@
-// A document of the helper, read as a result by the agent's side.
+// A document from the helper, read as a result by the agent's side.
 
 #include <algorithm>
 #include <string>
@@ -36,7 +36,7 @@ void CheckWritten(const CBrowserResult& result) {
     TK_CHECK(jsonAgain == json);
 }
 
-/// A text as documents hold it.
+/// A text as documents contain it.
 std::string Escaped(const std::string& text) {
     const std::string special = "\b\f\n\r\t\"\\/";
     const std::string letters = "bfnrt\"\\/";
@@ -60,7 +60,7 @@ bool IsAscii(const std::string& text) {
                        [](char character) { return static_cast<unsigned char>(character) < 0x80; });
 }
 
-/// Whatever bytes a cookie's value has, it is written with all of them.
+/// A cookie's value is written with all of its bytes, whatever they are.
 void CheckValue(const std::string& value) {
     std::string json;
     TK_CHECK(CBrowserResult(BrowserResultType::success_with_cookie, value).Serialize(json));

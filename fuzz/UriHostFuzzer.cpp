@@ -1,6 +1,6 @@
-// Addresses of an operation and of a page, whose hosts are compared.
+// The addresses of an operation and of a page, whose hosts are compared.
 //
-// Input: one address, a line feed, and the other.
+// Input: one address, a line feed, and the other address.
 
 #include <glib.h>
 
@@ -16,8 +16,8 @@ namespace {
 
 constexpr std::size_t kSchemesTried = 1000;
 
-/// GLib keeps every scheme it meets for the life of the process, and leaks a table when they are
-/// some thousands. Only so many are tried in one process.
+/// GLib keeps every scheme that it meets until the process ends, and leaks a table once there are
+/// some thousands. So only this many are tried in one process.
 bool MayTryScheme(const std::string& address) {
     static std::set<std::string> schemes;
     const std::string scheme = address.substr(0, address.find(':'));
@@ -52,7 +52,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     TK_CHECK(areEqual == haveEqualHosts(second, first));
     TK_CHECK(!areEqual || (firstHasHost && secondHasHost));
     TK_CHECK(!firstHasHost || !haveEqualHosts(first, "about:blank"));
-    // What equals a known host is one.
+    // If two hosts are equal and one equals a known host, the other equals it, too.
     for (const char* const known : {"http://login.example/", "https://www.example/"}) {
         TK_CHECK(!(areEqual && haveEqualHosts(first, known)) || haveEqualHosts(second, known));
     }

@@ -19,7 +19,8 @@ bool IsOnlyStars(std::string_view pattern) {
     return pattern.find_first_not_of('*') == std::string_view::npos;
 }
 
-/// The rules told a second time: from the ends of both, every start of a segment tried.
+/// A second implementation of the rules: it starts at the ends of both texts and tries every start
+/// of a segment.
 class Reference {
 public:
     Reference(std::string_view text, std::string_view pattern)
@@ -51,7 +52,8 @@ private:
         pattern.remove_prefix(pattern.find_first_not_of('*'));
         const std::string_view segment = pattern.substr(0, pattern.find('*'));
         if (segment.size() == pattern.size()) {
-            // The last one asks the whole text, not only what is left of it.
+            // The last segment is compared with the end of the whole text, not only with what is
+            // left of it.
             return m_text.size() >= segment.size() &&
                    m_text.substr(m_text.size() - segment.size()) == segment;
         }
@@ -73,7 +75,8 @@ private:
     std::vector<char> m_known;
 };
 
-/// Whether the text matches with every byte of it used once, as patterns commonly mean it.
+/// Whether the text matches if each of its bytes may be used only once, as patterns commonly mean
+/// it.
 bool MatchesStrictly(std::string_view text, std::string_view pattern) {
     std::vector<bool> row(text.size() + 1, false);
     row[0] = true;
