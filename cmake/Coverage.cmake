@@ -1,4 +1,4 @@
-# Counters in vpn/ (and nowhere else), written out wherever a program of ours ends in order.
+# Counters in vpn/ only, written whenever one of our programs ends in order.
 
 if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     message(FATAL_ERROR "TK_COVERAGE needs g++")

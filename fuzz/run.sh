@@ -2,7 +2,7 @@
 # Fuzzes one target: run.sh PROGRAM NAME SECONDS
 #
 # Starts from the files in the tree. Inputs that reach more code are kept in the build folder, in
-# corpus/NAME beside the program, and what brings the program down in findings/NAME.
+# corpus/NAME beside the program. Inputs that crash the program are kept in findings/NAME.
 set -euo pipefail
 
 program=$1
@@ -15,7 +15,8 @@ corpora=("$build/corpus/$name" "$tree/corpus/$name")
 if [ -d "$tree/crashes/$name" ]; then
     corpora+=("$tree/crashes/$name")
 fi
-# Documents of a quarter of what the transport takes: unwinding from deep ones is slow in this build.
+# Documents are at most a quarter of what the transport takes, because unwinding from deep ones is
+# slow in this build.
 case $name in
     *_json | log_configuration) longest=512 ;;
     *) longest=4096 ;;
@@ -23,7 +24,7 @@ esac
 options=(
     -max_total_time="$seconds"
     -max_len="$longest"
-    # Slow inputs, such as long ones, are taken less often.
+    # Slow inputs, such as long ones, are tried less often.
     -entropic_scale_per_exec_time=1
     -timeout=30
     -artifact_prefix="$build/findings/$name/"

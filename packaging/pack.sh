@@ -3,8 +3,8 @@
 #
 #   packaging/pack.sh BUILD_FOLDER OUTPUT_FOLDER
 #
-# The same build gives the same packages, byte for byte. They bear the date SOURCE_DATE_EPOCH, or
-# that of the last commit.
+# The same build gives the same packages, byte for byte. Their date is SOURCE_DATE_EPOCH, or that of
+# the last commit.
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/../scripts/common.sh"
 build=$(realpath "$1")
@@ -13,7 +13,7 @@ output=$2
 SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(git -C "$root" log -1 --format=%ct)}
 export SOURCE_DATE_EPOCH TK_SOURCE=$root TK_BUILD=$build
 
-# write_changelog: the package's own, on standard output. What users notice stands in the other.
+# write_changelog: prints the package's own changelog. What users notice is in the other one.
 write_changelog() {
     local version maintainer
     version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$build/CMakeCache.txt")

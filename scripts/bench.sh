@@ -1,7 +1,7 @@
 #!/bin/bash
-# Measures how fast and how small the program is, beside what it is compared with, in Release and
-# interleaved: prints tables of medians and ratios, and writes them to docs/performance.md. Wants a
-# quiet machine and half an hour.
+# Measures how fast and how small the program is, next to what it is compared with. It builds in
+# Release, measures in turn, prints tables of medians and ratios, and writes them to
+# docs/performance.md. It needs a quiet machine and half an hour.
 #
 #   scripts/bench.sh              everything
 #   scripts/bench.sh NAME...      some of: bus catalog catalog_again catalog_load hand_over idle

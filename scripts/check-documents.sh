@@ -1,7 +1,7 @@
 #!/bin/bash
-# Runs the commands that the documents show, in a tree that has been built. What takes long, needs a
-# crash that nobody has found yet, or asks the machine's own log, is not run here: of that the
-# program must be there.
+# Runs the commands that the documents show, in a tree that has been built. Commands that take long,
+# need a crash file that does not exist yet, or read the machine's own log are not run; only their
+# program must exist.
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 

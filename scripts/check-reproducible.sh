@@ -1,5 +1,5 @@
 #!/bin/bash
-# Builds the committed program in two folders of different names, and compares the two byte for
+# Builds the committed program in two folders with different names, and compares the two byte for
 # byte.
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"

@@ -1,4 +1,4 @@
-# Shared by the scripts beside it; to be sourced. Announces steps, and tells which one failed.
+# To be sourced by the scripts beside it. Announces steps and reports which one failed.
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 current_step=""
@@ -16,9 +16,9 @@ fail() {
     exit 1
 }
 
-# build PRESET [TARGET...]: configures and builds, with Ninja's own progress; everything when no
-# target is named, with configure_options on top of the preset's. Configuring says a lot that nobody
-# needs, so it is shown only when it fails.
+# build PRESET [TARGET...]: configures with configure_options on top of the preset's, and builds the
+# targets, or everything if none is named. Shows the output of Ninja. Shows the output of
+# configuring only if that fails, because it is long and rarely needed.
 build() {
     local preset=$1 log
     shift
@@ -34,8 +34,9 @@ build() {
     cmake --build "$root/build/$preset" ${1:+--target "$@"} || fail "$current_step"
 }
 
-# run_suites PRESET [OPTION...]: the tests of a build, several at a time; all, unless ctest's options
-# choose some. A test that waits leaves its processor to another.
+# run_suites PRESET [OPTION...]: runs the tests of a build, several at a time. Runs all tests unless
+# ctest's options choose some. It runs one test more than there are processors, because a test that
+# waits leaves its processor to another.
 run_suites() {
     step "Tests ($1)"
     (cd "$root" && ctest --preset "$1" -j "$(($(nproc) + 1))" "${@:2}") || fail "$current_step"

@@ -1,7 +1,6 @@
 #!/bin/bash
-# Runs every test with counters in vpn/, and prints which of its lines and branches were run.
-# Fails when that is less than promised, or when a part that reads what others send is not run
-# through and through.
+# Runs every test with counters in vpn/, and prints which of its lines and branches were run. Fails
+# if fewer were run than promised, or if code that reads other people's data was not run completely.
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
@@ -13,9 +12,9 @@ run_suites coverage
 step "Count"
 cd "$root"
 counts=build/coverage/coverage.json
-# What no test can take: the branches that the compiler adds for exceptions and for the ends of
-# objects, the failures of assertions, the way past a handler of every std::exception or of the only
-# kind that can come, and the lock around the making of a static object.
+# Branches that no test can take: those that the compiler adds for exceptions and for the ends of
+# objects, failing assertions, the way past a handler of every std::exception or of the only kind
+# that can come, and the lock around the creation of a static object.
 untaken='.*\bassert\(.*|.*\bcatch \(const std::(exception|bad_alloc)&.*|\s*static .*'
 gcovr --filter vpn/ --exclude-throw-branches --exclude-unreachable-branches \
     --exclude-branches-by-pattern "$untaken" \

@@ -14,8 +14,8 @@ cleanup() {
 }
 trap cleanup EXIT
 
-# The server chooses a free display and says which once it takes connections. Its screen has the
-# window's size, so that a picture of the one is a picture of the other.
+# The server chooses a free display and prints its number once it takes connections. Its screen has
+# the window's size, so that a picture of the screen is a picture of the window.
 start_virtual_display() {
     local number
     mkfifo "$work/display"
@@ -29,7 +29,7 @@ start_virtual_display() {
 }
 
 "$root/scripts/install-deps.sh" || exit 1
-# The tests need packages that the demo does without.
+# The tests need packages that the demo does not need.
 configure_options=(-DTK_BUILD_TESTS=OFF)
 build release tkwebhelper tkagent
 tkagent=$root/build/release/bin/tkagent

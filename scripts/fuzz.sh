@@ -1,12 +1,12 @@
 #!/bin/bash
 # Fuzzes every target at length, two at a time, under the address and undefined-behaviour
-# sanitizers, and tells what came of it.
+# sanitizers, and reports the result.
 #
 #   scripts/fuzz.sh             ten minutes each
-#   scripts/fuzz.sh SECONDS     so long each
+#   scripts/fuzz.sh SECONDS     this long each
 #
-# What is found is in build/fuzz/fuzz/findings/, new inputs in build/fuzz/fuzz/corpus/. These are
-# replayed in the ordinary build, too: there the hardened C library watches.
+# Findings are in build/fuzz/fuzz/findings/, new inputs in build/fuzz/fuzz/corpus/. The new inputs
+# are also replayed in the ordinary build, where the hardened C library checks them.
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
@@ -22,7 +22,7 @@ mkdir -p "$logs"
 mapfile -t targets < <(cd "$root/fuzz/corpus" && printf '%s\n' *)
 declare -A name_of=()
 failed=()
-# Nothing goes on behind our back, however this script ends.
+# No fuzzer keeps running, however this script ends.
 trap 'kill "${!name_of[@]}" 2>/dev/null || true' EXIT
 trap 'exit 1' HUP INT TERM
 

@@ -1,5 +1,5 @@
 #!/bin/bash
-# Installs the Debian packages that are missing, and does nothing when none is.
+# Installs the Debian packages that are missing. Does nothing if none is missing.
 #
 #   scripts/install-deps.sh              what the program and the demo need
 #   scripts/install-deps.sh --package    what packing needs as well

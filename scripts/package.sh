@@ -1,7 +1,7 @@
 #!/bin/bash
 # Builds the program and packs it for Debian, into build/packages: the program, and its debug
-# symbols. Shows what the package holds and what lintian says, which fails at anything that has no
-# reason in packaging/debian.
+# symbols. Shows the contents of the package and the report of lintian, and fails at any finding
+# that has no reason in packaging/debian.
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 

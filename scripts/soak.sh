@@ -1,6 +1,6 @@
 #!/bin/bash
-# Runs operations of every kind, with faults in between, against the real program for an hour, and
-# draws what its processes took meanwhile (with gnuplot, where that is installed).
+# Runs operations of every kind, with faults in between, against the real program for an hour. Draws
+# what its processes used meanwhile (with gnuplot, if that is installed).
 #
 #   scripts/soak.sh [seconds]
 set -euo pipefail

@@ -21,8 +21,8 @@ run_tsan() {
     run_suites tsan
 }
 
-# The toolkit and the engine keep a great deal until the process ends and have never given all of it
-# back, so a look for leaks would find theirs.
+# The toolkit and the engine keep much memory until the process ends and never free all of it, so a
+# leak check would report theirs.
 run_window() {
     build asan-engine window_suites
     ASAN_OPTIONS=detect_leaks=0 run_suites asan-engine
@@ -30,19 +30,20 @@ run_window() {
 
 # Cases that cannot run under valgrind, by suite.
 declare -A left_out=(
-    # Use up their stack and must die of it, which valgrind does not let them: it ends them itself.
+    # These use up their stack and must die of that. Valgrind does not let them: it ends them
+    # itself.
     [log_config_tests]='EffectiveTableDeathTest.*'
-    # Fail allocations in malloc(), which the C++ library's operator new does not come to: valgrind
-    # replaces that operator. The stage "asan" watches these cases.
+    # These fail allocations in malloc(), which the C++ library's operator new does not reach,
+    # because valgrind replaces that operator. The stage "asan" covers these cases.
     [failing_calls_tests]='*.EveryAllocation*:*.TheAllocationOf*'
     [failing_calls_log_tests]='*.EveryAllocation*'
-    # Watch a child process through pidfd_open(), a system call that valgrind does not know.
+    # These watch a child process through pidfd_open(), a system call that valgrind does not know.
     [support_process_tests]='SessionBus.*'
     [tkagent_tests]='CommandLine.*:Demo.*:LaunchedProcess.*:OperationRunner.*'
 )
 
-# Some suites count or fail allocations by functions of their own, which valgrind would otherwise
-# replace by its own; the C library's, which those call, stay under its eyes.
+# Some suites count or fail allocations with functions of their own. Valgrind would replace these by
+# its own. The C library's functions, which they call, stay under its control.
 run_under_valgrind() {
     local suite=$1
     G_DEBUG=fatal-criticals valgrind --quiet --error-exitcode=99 \
@@ -51,7 +52,8 @@ run_under_valgrind() {
         "$root/build/release/tests/$suite" --gtest_filter="-${left_out[$suite]:-}"
 }
 
-# A suite is one process here: valgrind takes longer to start than most cases to run.
+# Each suite runs as one process here, because valgrind takes longer to start than most cases to
+# run.
 run_memcheck() {
     local suite log failed=()
     build release

@@ -1,9 +1,9 @@
 #!/bin/bash
-# Brings the catalogues' sources up to the table of messages.
+# Brings the catalogues' sources up to date with the table of messages.
 #
-#   scripts/update-catalogs.sh           writes the template anew, and merges it into each catalogue
-#   scripts/update-catalogs.sh --check   writes nothing; fails where the template is out of date or
-#                                        a translation is missing
+#   scripts/update-catalogs.sh           writes a new template, and merges it into each catalogue
+#   scripts/update-catalogs.sh --check   writes nothing; fails if the template is out of date or a
+#                                        translation is missing
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 cd "$root"
@@ -11,8 +11,8 @@ cd "$root"
 messages=vpn/Common/i18n/BuiltInMessages.cpp
 template=l10n/Tunnelkeep.pot
 
-# make_template: the template, on standard output. It tells no time, so that it changes with the
-# messages alone.
+# make_template: prints the template. It contains no time, so that it changes only with the
+# messages.
 make_template() {
     cat <<'HEADER'
 # Texts that the suite's graphical components share.
@@ -34,7 +34,7 @@ case "${1:-}" in
         make_template >"$template"
         for catalog in l10n/*.po; do
             msgmerge --quiet --no-fuzzy-matching --update --backup=none "$catalog" "$template"
-            # It spells the charset in capitals, as do most programs for translators.
+            # msgmerge spells the charset in capitals, as most programs for translators do.
             sed -i 's/charset=UTF-8/charset=utf-8/' "$catalog"
         done
         ;;

@@ -1,5 +1,5 @@
 #!/bin/bash
-# Draws the icon's picture anew, from its vector source (with rsvg-convert, of librsvg2-bin).
+# Draws the icon's picture again from its vector source (with rsvg-convert, of librsvg2-bin).
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 cd "$root/resources"
