@@ -24,7 +24,7 @@ class Arguments {
 public:
     explicit Arguments(const std::vector<std::string>& arguments) : m_arguments(arguments) {}
 
-    /// What stands between the "%" and its conversion character.
+    /// The text between the "%" and its conversion character.
     std::string Render(const std::string& inside) {
         const std::size_t dollar = inside.find('$');
         const std::string width = dollar == std::string::npos ? inside : inside.substr(dollar + 1);

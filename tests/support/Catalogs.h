@@ -13,7 +13,7 @@ enum class CatalogByteOrder { Little, Big };
 void CompileCatalog(const std::string& path, const std::string& source,
                     CatalogByteOrder byteOrder = CatalogByteOrder::Little);
 
-/// Where a catalogue for a locale stands below a folder.
+/// The path of a locale's catalogue below a folder.
 [[nodiscard]] std::string CatalogPath(const std::string& folder, const std::string& locale,
                                       const std::string& domain,
                                       const std::string& category = "LC_MESSAGES");

@@ -14,7 +14,7 @@ constexpr std::string_view kWhiteSpace = " \t\f\v\n\r";
 constexpr std::size_t kFormatBufferSize = 1024;
 constexpr std::size_t kNotFound = std::string_view::npos;
 
-// memmem() takes linear time; string_view::find() compares anew at every position.
+// memmem() takes linear time; string_view::find() compares again at every position.
 std::size_t Find(std::string_view text, std::string_view part, std::size_t start) {
     const void* const found =
         memmem(text.data() + start, text.size() - start, part.data(), part.size());

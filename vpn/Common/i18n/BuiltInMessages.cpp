@@ -7,7 +7,7 @@ const std::string kProductFullName = "Velto Tunnelkeep VPN Client";
 // Translators: title of the window in which people sign in.
 const std::string kLoginWindowTitle = "Velto Tunnelkeep Login";
 
-// Translators: "_" marks the letter behind it: Alt and that letter press the button.
+// Translators: the letter after "_" presses the button, together with Alt.
 const std::string kGetCertificateMnemonic = "_Get Certificate";
 const std::string kDisconnectMnemonic = "_Disconnect";
 const std::string kConnectMnemonic = "_Connect";

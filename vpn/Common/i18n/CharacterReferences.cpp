@@ -56,7 +56,7 @@ bool MoveToReference(std::string& decoded, std::string_view& rest) {
 
 }  // namespace
 
-// Goes on behind each reference. Searching from the start again would take quadratic time.
+// Continues after each reference. Searching from the start again would take quadratic time.
 void DecodeCharacterReferences(std::string& text) {
     std::string decoded;
     std::string_view rest = text;
