@@ -14,6 +14,7 @@
 namespace {
 
 struct Runtime {
+    // Libraries translate on threads of their own, outside the message catalogue's lock.
     std::mutex mutex;
     CTextDomains domains;
 };

@@ -44,6 +44,7 @@ ResultCode CBrowserIpcClient::createSingletonInstance(std::uint16_t port,
     ResultCode code = kSuccess;
     std::unique_ptr<CBrowserIpcClient> created(new (std::nothrow)
                                                    CBrowserIpcClient(port, callback, code));
+    // No exception leaves this function: a lack of memory is a result code, too.
     if (created == nullptr) {
         code = BROWSERIPCCLIENT_ERROR_MEMALLOC_FAILED;
     }
@@ -87,6 +88,7 @@ ResultCode CBrowserIpcClient::SendBrowserResult(const CBrowserResult& result) {
     if (!result.Serialize(json)) {
         return BROWSERIPCCLIENT_ERROR_SERIALIZE_FAILURE;
     }
+    // The same for a lack of memory, of which no callback would tell.
     return postMessage(kBrowserResultMessageId, json) ? kSuccess
                                                       : BROWSERIPCCLIENT_ERROR_MEMALLOC_FAILED;
 }
