@@ -4,10 +4,10 @@
 
 #include <string>
 
-#include "FileDescriptor.h"
 #include "HelperTest.h"
 #include "SessionBus.h"
 #include "TemporaryFolder.h"
+#include "UniqueFd.h"
 
 namespace {
 
@@ -18,7 +18,7 @@ protected:
     /// The objects on the accessibility bus, one a line.
     std::string PrintTree() {
         const std::string file = m_folder.Path("tree");
-        const FileDescriptor output(
+        const CUniqueFd output(
             open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, S_IRUSR | S_IWUSR));
         LaunchCommand command;
         command.arguments = {"/usr/bin/python3", TK_ACCESSIBLE_TREE};

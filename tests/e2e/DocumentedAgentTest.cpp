@@ -8,11 +8,11 @@
 #include <string>
 #include <vector>
 
-#include "FileDescriptor.h"
 #include "HttpServer.h"
 #include "LaunchedProcess.h"
 #include "TemporaryFolder.h"
 #include "TestDeadline.h"
+#include "UniqueFd.h"
 
 namespace {
 
@@ -28,7 +28,7 @@ std::string OutputOf(const std::vector<std::string>& arguments) {
     const TemporaryFolder folder;
     const std::string path = folder.Path("output");
     WriteFile(path, "");
-    const FileDescriptor output(open(path.c_str(), O_WRONLY | O_CLOEXEC));
+    const CUniqueFd output(open(path.c_str(), O_WRONLY | O_CLOEXEC));
     LaunchCommand command;
     command.arguments = arguments;
     command.output = output.Get();

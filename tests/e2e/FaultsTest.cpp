@@ -11,9 +11,9 @@
 
 #include "Catalogs.h"
 #include "FaultyWorld.h"
-#include "FileDescriptor.h"
 #include "HelperTest.h"
 #include "ProcessFamily.h"
+#include "UniqueFd.h"
 #include "VirtualDisplay.h"
 #include "WaitUntil.h"
 #include "Waiting.h"
@@ -127,7 +127,7 @@ TEST_F(Faults, ASignalOfABrokenPipeDoesNothing) {
 TEST_F(Faults, AnErrorStreamThatNobodyReadsIsNoBrokenPipe) {
     std::array<int, 2> ends{};
     ASSERT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
-    const FileDescriptor writing(ends[1]);
+    const CUniqueFd writing(ends[1]);
     close(ends[0]);
     LaunchCommand command;
     command.arguments = {TKWEBHELPER_PATH, AgentPort()};

@@ -9,8 +9,8 @@
 #include <fstream>
 
 #include "FaultyWorld.h"
-#include "FileDescriptor.h"
 #include "HelperTest.h"
+#include "UniqueFd.h"
 
 namespace {
 
@@ -85,7 +85,7 @@ public:
     }
 
 private:
-    FileDescriptor m_store;
+    CUniqueFd m_store;
 };
 
 }  // namespace
@@ -127,7 +127,7 @@ TEST_F(FaultyStore, ThatCannotBeWrittenDisturbsNoOperation) {
 TEST_F(FaultyStore, OnAFullDiskDisturbsNoOperation) {
     MoveFolderTo(kSmallDisk);
     const std::string filler = std::string(kSmallDisk) + "/filler";
-    const FileDescriptor file(open(filler.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+    const CUniqueFd file(open(filler.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
     const std::string block(4096, 'x');
     while (write(file.Get(), block.data(), block.size()) > 0) {
     }

@@ -5,9 +5,9 @@
 #include <regex>
 #include <string>
 
-#include "FileDescriptor.h"
 #include "HelperTest.h"
 #include "TemporaryFolder.h"
+#include "UniqueFd.h"
 #include "WaitUntil.h"
 #include "WaylandDisplay.h"
 
@@ -31,7 +31,7 @@ protected:
         Environment environment = m_display.Environment();
         // What the program says to the compositor goes to its error stream then.
         environment["WAYLAND_DEBUG"] = "client";
-        const FileDescriptor requests(
+        const CUniqueFd requests(
             open(Requests().c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR));
         m_errorStream = requests.Get();
         ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady(environment));

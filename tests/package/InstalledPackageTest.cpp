@@ -8,11 +8,11 @@
 #include <set>
 
 #include "Catalogs.h"
-#include "FileDescriptor.h"
 #include "LaunchedProcess.h"
 #include "SystemLog.h"
 #include "TemporaryFolder.h"
 #include "TestDeadline.h"
+#include "UniqueFd.h"
 
 namespace {
 
@@ -46,7 +46,7 @@ protected:
     [[nodiscard]] testing::AssertionResult Succeeds(
         const std::vector<std::string>& arguments,
         std::map<std::string, std::optional<std::string>> environment = {}) {
-        const FileDescriptor output(
+        const CUniqueFd output(
             open(m_output.Path("text").c_str(), O_CREAT | O_TRUNC | O_WRONLY | O_CLOEXEC, 0600));
         LaunchCommand command;
         command.arguments = arguments;

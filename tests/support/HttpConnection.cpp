@@ -4,7 +4,7 @@
 
 #include <array>
 
-HttpConnection::HttpConnection(FileDescriptor socket, SSL_CTX* context)
+HttpConnection::HttpConnection(CUniqueFd socket, SSL_CTX* context)
     : m_socket(std::move(socket)),
       m_tls(context != nullptr ? SSL_new(context) : nullptr, SSL_free) {
     if (m_tls) {

@@ -5,13 +5,13 @@
 #include <memory>
 #include <string>
 
-#include "FileDescriptor.h"
+#include "UniqueFd.h"
 
 /// One client's connection, plain or TLS. Blocking. Used by one thread, except for Interrupt().
 class HttpConnection {
 public:
     /// No context means no TLS.
-    HttpConnection(FileDescriptor socket, SSL_CTX* context);
+    HttpConnection(CUniqueFd socket, SSL_CTX* context);
     ~HttpConnection();
     HttpConnection(const HttpConnection&) = delete;
     HttpConnection& operator=(const HttpConnection&) = delete;
@@ -35,7 +35,7 @@ public:
     void Interrupt() const;
 
 private:
-    FileDescriptor m_socket;
+    CUniqueFd m_socket;
     std::unique_ptr<SSL, void (*)(SSL*)> m_tls;
     bool m_reset = false;
 };

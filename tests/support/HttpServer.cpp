@@ -27,8 +27,8 @@ std::shared_ptr<SSL_CTX> MakeContext(const TlsIdentity& identity) {
     return context;
 }
 
-FileDescriptor Listen() {
-    FileDescriptor listener(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+CUniqueFd Listen() {
+    CUniqueFd listener(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
@@ -39,7 +39,7 @@ FileDescriptor Listen() {
     return listener;
 }
 
-std::uint16_t PortOf(const FileDescriptor& listener) {
+std::uint16_t PortOf(const CUniqueFd& listener) {
     sockaddr_in address{};
     socklen_t size = sizeof address;
     getsockname(listener.Get(), reinterpret_cast<sockaddr*>(&address), &size);
@@ -170,7 +170,7 @@ bool HttpServer::WaitForRequest(const std::string& path, std::size_t count) cons
 void HttpServer::AcceptConnections() {
     BlockSignals();
     for (;;) {
-        FileDescriptor socket(accept4(m_listener.Get(), nullptr, nullptr, SOCK_CLOEXEC));
+        CUniqueFd socket(accept4(m_listener.Get(), nullptr, nullptr, SOCK_CLOEXEC));
         JoinEnded();
         const std::lock_guard<std::mutex> guard(m_mutex);
         if (m_stopping) {
@@ -183,7 +183,7 @@ void HttpServer::AcceptConnections() {
 }
 
 // The caller holds the lock, so that the destructor either sees the connection or prevents it.
-void HttpServer::Start(FileDescriptor socket) {
+void HttpServer::Start(CUniqueFd socket) {
     const auto conversation = m_open.insert(m_open.end(), Conversation());
     conversation->connection = std::make_unique<HttpConnection>(std::move(socket), m_context.get());
     conversation->thread = std::thread([this, conversation] {

@@ -12,9 +12,9 @@
 #include <thread>
 #include <vector>
 
-#include "FileDescriptor.h"
 #include "HttpMessage.h"
 #include "TlsIdentity.h"
+#include "UniqueFd.h"
 
 class HttpConnection;
 class HttpServer;
@@ -97,7 +97,7 @@ private:
     };
 
     void AcceptConnections();
-    void Start(FileDescriptor socket);
+    void Start(CUniqueFd socket);
     void Answer(HttpConnection& connection);
     void End(std::list<Conversation>::iterator conversation);
     void JoinEnded();
@@ -106,7 +106,7 @@ private:
     [[nodiscard]] std::size_t CountLocked(const std::string& path) const;
 
     std::shared_ptr<ssl_ctx_st> m_context;
-    FileDescriptor m_listener;
+    CUniqueFd m_listener;
     std::uint16_t m_port;
 
     mutable std::mutex m_mutex;

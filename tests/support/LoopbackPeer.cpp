@@ -27,21 +27,21 @@ sockaddr_in LoopbackAddress(std::uint16_t port) {
     return address;
 }
 
-FileDescriptor OpenSocket() {
-    FileDescriptor opened(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+CUniqueFd OpenSocket() {
+    CUniqueFd opened(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
     Require(opened.Get() >= 0, "socket");
     return opened;
 }
 
-FileDescriptor BoundSocket() {
-    FileDescriptor bound = OpenSocket();
+CUniqueFd BoundSocket() {
+    CUniqueFd bound = OpenSocket();
     const sockaddr_in address = LoopbackAddress(0);
     Require(bind(bound.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0,
             "bind");
     return bound;
 }
 
-std::uint16_t PortOf(const FileDescriptor& bound) {
+std::uint16_t PortOf(const CUniqueFd& bound) {
     sockaddr_in address{};
     socklen_t size = sizeof address;
     Require(getsockname(bound.Get(), reinterpret_cast<sockaddr*>(&address), &size) == 0,
@@ -64,7 +64,7 @@ void LimitWaiting(int descriptor) {
 
 ClosedPort::ClosedPort() : m_socket(BoundSocket()), m_port(PortOf(m_socket)) {}
 
-LoopbackConnection::LoopbackConnection(FileDescriptor socket) : m_socket(std::move(socket)) {
+LoopbackConnection::LoopbackConnection(CUniqueFd socket) : m_socket(std::move(socket)) {
     LimitWaiting(m_socket.Get());
     SetOption(m_socket.Get(), IPPROTO_TCP, TCP_NODELAY, 1);
 }
@@ -115,7 +115,7 @@ void LoopbackConnection::EndSending() const {
 
 void LoopbackConnection::Reset() {
     SetOption(m_socket.Get(), SOL_SOCKET, SO_LINGER, linger{1, 0});
-    m_socket.Close();
+    m_socket.Reset();
 }
 
 LoopbackListener::LoopbackListener(int backlog)
@@ -129,13 +129,13 @@ void LoopbackListener::AcceptWithSmallBuffer() const {
 }
 
 LoopbackConnection LoopbackListener::Accept() const {
-    FileDescriptor accepted(accept4(m_socket.Get(), nullptr, nullptr, SOCK_CLOEXEC));
+    CUniqueFd accepted(accept4(m_socket.Get(), nullptr, nullptr, SOCK_CLOEXEC));
     Require(accepted.Get() >= 0, "accept4");
     return LoopbackConnection(std::move(accepted));
 }
 
 LoopbackConnection LoopbackListener::Connect() const {
-    FileDescriptor connected = OpenSocket();
+    CUniqueFd connected = OpenSocket();
     const sockaddr_in address = LoopbackAddress(m_port);
     Require(
         connect(connected.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0,

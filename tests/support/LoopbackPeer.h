@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "FileDescriptor.h"
+#include "UniqueFd.h"
 
 /// A port of 127.0.0.1 that is bound but on which nobody listens, so that a connection is refused.
 class ClosedPort {
@@ -14,7 +14,7 @@ public:
     [[nodiscard]] std::uint16_t Port() const { return m_port; }
 
 private:
-    FileDescriptor m_socket;
+    CUniqueFd m_socket;
     std::uint16_t m_port;
 };
 
@@ -22,7 +22,7 @@ private:
 /// on the test's own side throw.
 class LoopbackConnection {
 public:
-    explicit LoopbackConnection(FileDescriptor socket);
+    explicit LoopbackConnection(CUniqueFd socket);
 
     /// Writes all of it.
     void Send(const std::string& bytes) const;
@@ -42,13 +42,13 @@ public:
     /// Ends our sending direction, but still reads.
     void EndSending() const;
 
-    void Close() { m_socket.Close(); }
+    void Close() { m_socket.Reset(); }
 
     /// Resets the connection.
     void Reset();
 
 private:
-    FileDescriptor m_socket;
+    CUniqueFd m_socket;
 };
 
 /// Listens on a free port of 127.0.0.1.
@@ -69,6 +69,6 @@ public:
     [[nodiscard]] LoopbackConnection Connect() const;
 
 private:
-    FileDescriptor m_socket;
+    CUniqueFd m_socket;
     std::uint16_t m_port;
 };

@@ -18,8 +18,8 @@
 #include <system_error>
 #include <vector>
 
-#include "FileDescriptor.h"
 #include "ProgramRestart.h"
+#include "UniqueFd.h"
 
 namespace {
 
@@ -104,7 +104,7 @@ void KeepEntry(const fs::path& original, const fs::path& target) {
 
 // Covers a folder with an empty one, in which its old entries except one stand as before.
 void CoverFolder(const fs::path& folder, const std::string& leftOut) {
-    const FileDescriptor original(open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    const CUniqueFd original(open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
     Check(original.Get() >= 0, "open " + folder.string());
     std::vector<fs::path> names;
     for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {

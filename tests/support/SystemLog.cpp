@@ -21,8 +21,8 @@ constexpr std::size_t kLargestLine = 65536;
     throw std::system_error(errno, std::generic_category(), what);
 }
 
-FileDescriptor BindTo(const std::string& path) {
-    FileDescriptor descriptor(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+CUniqueFd BindTo(const std::string& path) {
+    CUniqueFd descriptor(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     path.copy(address.sun_path, sizeof address.sun_path - 1);

@@ -8,7 +8,7 @@
 #include <thread>
 #include <vector>
 
-#include "FileDescriptor.h"
+#include "UniqueFd.h"
 
 /// One line as it was written to the system log.
 struct SystemLogRecord {
@@ -46,8 +46,8 @@ private:
     void ReadPending();
 
     std::string m_path;
-    FileDescriptor m_socket;
-    FileDescriptor m_stop;
+    CUniqueFd m_socket;
+    CUniqueFd m_stop;
     std::mutex m_mutex;
     std::condition_variable m_changed;
     std::vector<SystemLogRecord> m_records;

@@ -12,8 +12,8 @@
 #include <cstdlib>
 #include <stdexcept>
 
-#include "FileDescriptor.h"
 #include "TestDeadline.h"
+#include "UniqueFd.h"
 
 namespace {
 
@@ -84,14 +84,14 @@ VirtualDisplay::VirtualDisplay(const std::string& screen) {
     if (pipe2(ends.data(), O_CLOEXEC) != 0) {
         throw std::runtime_error("Xvfb: no pipe");
     }
-    const FileDescriptor reading(ends[0]);
-    FileDescriptor writing(ends[1]);
+    const CUniqueFd reading(ends[0]);
+    CUniqueFd writing(ends[1]);
     const pid_t self = getpid();
     m_server = fork();
     if (m_server == 0) {
         RunServer(screen.c_str(), writing.Get(), self);
     }
-    writing.Close();
+    writing.Reset();
     std::string line = ReadLine(reading.Get());
     if (line.size() < 2 || line.back() != '\n') {
         EndServer(m_server);

@@ -74,7 +74,7 @@ public:
     int Descriptor() const { return m_socket.Get(); }
 
 private:
-    FileDescriptor m_socket;
+    CUniqueFd m_socket;
     bool m_wasReset = false;
 };
 

@@ -9,8 +9,8 @@
 #include <fstream>
 #include <vector>
 
-#include "FileDescriptor.h"
 #include "OnePortNetwork.h"
+#include "UniqueFd.h"
 
 // The suite runs in a network of its own, of loopback only, in which every connection comes from
 // one port. The program starts itself anew inside it, since a process that has threads (a
@@ -37,7 +37,7 @@ void StartInside(char** arguments) {
 }
 
 bool RaiseLoopback() {
-    const FileDescriptor any(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+    const CUniqueFd any(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
     ifreq request{{"lo"}, {}};
     if (ioctl(any.Get(), SIOCGIFFLAGS, &request) != 0) {
         return false;

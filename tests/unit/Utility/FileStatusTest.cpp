@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "ChildProcess.h"
-#include "FileDescriptor.h"
 #include "LogCapture.h"
 #include "OrdinaryUser.h"
 #include "TemporaryFolder.h"
+#include "UniqueFd.h"
 #include "sysutils.h"
 
 namespace {
@@ -30,7 +30,7 @@ protected:
     }
 
     void MakeSocket(const std::string& path) {
-        m_socket = FileDescriptor(socket(AF_UNIX, SOCK_STREAM, 0));
+        m_socket.Reset(socket(AF_UNIX, SOCK_STREAM, 0));
         sockaddr_un address{};
         address.sun_family = AF_UNIX;
         path.copy(address.sun_path, sizeof address.sun_path - 1);
@@ -52,7 +52,7 @@ protected:
     std::string m_emptyFile = m_folder.Path("empty");
     std::string m_missing = m_folder.Path("missing");
     std::string m_throughAFile = m_folder.Path("file/below");
-    FileDescriptor m_socket;
+    CUniqueFd m_socket;
     LogCapture m_log;
 };
 

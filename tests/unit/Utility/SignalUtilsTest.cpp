@@ -16,9 +16,9 @@
 #include <stdexcept>
 #include <string>
 
-#include "FileDescriptor.h"
 #include "LogCapture.h"
 #include "TemporaryFolder.h"
+#include "UniqueFd.h"
 #include "WaitUntil.h"
 
 namespace {
@@ -39,8 +39,8 @@ public:
         if (pipe(ends.data()) != 0) {
             throw std::runtime_error("no pipe");
         }
-        m_reader = FileDescriptor(ends[0]);
-        m_writer = FileDescriptor(ends[1]);
+        m_reader.Reset(ends[0]);
+        m_writer.Reset(ends[1]);
     }
 
     int Reader() const { return m_reader.Get(); }
@@ -55,8 +55,8 @@ public:
     }
 
 private:
-    FileDescriptor m_reader;
-    FileDescriptor m_writer;
+    CUniqueFd m_reader;
+    CUniqueFd m_writer;
 };
 
 std::atomic<int> signalCount{0};

@@ -9,10 +9,10 @@
 #include <vector>
 
 #include "ChildProcess.h"
-#include "FileDescriptor.h"
 #include "LogCapture.h"
 #include "OrdinaryUser.h"
 #include "TemporaryFolder.h"
+#include "UniqueFd.h"
 #include "sysutils.h"
 
 namespace {
@@ -206,7 +206,7 @@ public:
     PathThatChangesUnderItsReader(const std::string& path, const std::function<void()>& change) {
         EXPECT_EQ(mkfifo(path.c_str(), 0600), 0);
         m_writer = std::thread([path, change] {
-            const FileDescriptor pipe(open(path.c_str(), O_WRONLY));  // once the reader is there
+            const CUniqueFd pipe(open(path.c_str(), O_WRONLY));  // once the reader is there
             EXPECT_EQ(unlink(path.c_str()), 0);
             change();
             EXPECT_EQ(write(pipe.Get(), "line\n", 5), 5);

@@ -6,10 +6,10 @@
 #include <filesystem>
 #include <string>
 
-#include "FileDescriptor.h"
 #include "FullDisk.h"
 #include "LogCapture.h"
 #include "TemporaryFolder.h"
+#include "UniqueFd.h"
 #include "sysutils.h"
 
 namespace {
@@ -27,7 +27,7 @@ protected:
 
     void FillDisk() const {
         const std::string block(4096, 'x');
-        const FileDescriptor filler(open(m_filler.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+        const CUniqueFd filler(open(m_filler.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
         while (write(filler.Get(), block.data(), block.size()) > 0) {
         }
         EXPECT_EQ(errno, ENOSPC);
