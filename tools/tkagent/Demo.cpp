@@ -17,10 +17,6 @@ CBrowserOperation SignInOperation(const CSignInSite& site) {
             ""};
 }
 
-CBrowserOperation TerminateOperation() {
-    return {BrowserOperationType::terminate, false, 0, "", "", "", "", "", ""};
-}
-
 // A record's JSON without the newline at its end.
 std::string JsonOf(const IJSONIpcMessage& message) {
     std::string text;

@@ -4,13 +4,9 @@
 
 #include "Waiting.h"
 
-namespace {
-
 CBrowserOperation TerminateOperation() {
     return {BrowserOperationType::terminate, false, 0, "", "", "", "", "", ""};
 }
-
-}  // namespace
 
 AgentStatus CHelperSession::Start(const std::string& helperPath) {
     const AgentStatus status = launch(helperPath);

@@ -10,6 +10,9 @@
 #include "HelperConnection.h"
 #include "LaunchedProcess.h"
 
+/// The operation that ends a helper.
+[[nodiscard]] CBrowserOperation TerminateOperation();
+
 /// One run of the helper, from its start to its end. Every wait has the same time limit, the
 /// patience. Each step returns Success or the kind of failure, which Problem() then describes.
 /// Thread-unsafe.
