@@ -5,8 +5,8 @@
 
 #include <cstdio>
 
-#include "AllocationCounter.h"
 #include "AppLog.h"
+#include "FailingCalls.h"
 
 namespace {
 
@@ -26,7 +26,7 @@ public:
     ResultCode Log(std::uint32_t /*severity*/, const char* text, const char* /*messageName*/,
                    std::uint32_t /*messageId*/, std::uint32_t /*level*/) override {
         benchmark::DoNotOptimize(text);
-        m_allocations = AllocationCount();
+        m_allocations = CountedCalls::SoFar();
         return kSuccess;
     }
 
@@ -40,9 +40,10 @@ void Measure(benchmark::State& state, const EntryPoint& entryPoint) {
     std::size_t allocationsAtSink = 0;
     ResultCode result = kSuccess;
     const CAppLog log(result, "benchmark", new DiscardingLogger(allocationsAtSink));
+    const CountedCalls counted(Call::Allocation);
     std::size_t allocations = 0;
     for (auto round : state) {
-        const std::size_t before = AllocationCount();
+        const std::size_t before = CountedCalls::SoFar();
         entryPoint();
         allocations += allocationsAtSink - before;
     }

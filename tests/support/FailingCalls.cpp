@@ -20,6 +20,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <limits>
 #include <new>
 
 // The names below stand in the program, so that the dynamic linker finds them there before the C
@@ -35,6 +36,7 @@
 namespace {
 
 constexpr int kNothing = -1;
+constexpr std::size_t kNever = std::numeric_limits<std::size_t>::max();
 
 std::atomic<int> failingKind{kNothing};
 std::atomic<std::size_t> callsUntilFailure{0};
@@ -90,6 +92,12 @@ bool FailingCall::HasFailed() {
     return hasFailed;
 }
 
+CountedCalls::CountedCalls(Call kind) : m_failing(kind, kNever) {}
+
+std::size_t CountedCalls::SoFar() {
+    return kNever - callsUntilFailure;
+}
+
 SparedCalls::SparedCalls() {
     ++sparing;
 }
@@ -102,11 +110,12 @@ std::size_t BlocksHeld() {
     return blocksHeld;
 }
 
-#if TK_HAS_SANITIZER
-
-// A sanitizer brings a malloc of its own, which these use.
+// Where a sanitizer brings a malloc of its own, these fail in its place.
 void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
-    return Fails(Call::Allocation, ENOMEM) ? nullptr : std::malloc(size != 0 ? size : 1);
+    if (TK_HAS_SANITIZER && Fails(Call::Allocation, ENOMEM)) {
+        return nullptr;
+    }
+    return std::malloc(size != 0 ? size : 1);
 }
 
 void* operator new(std::size_t size) {
@@ -140,7 +149,7 @@ void operator delete[](void* memory, std::size_t /*size*/) noexcept {
     std::free(memory);
 }
 
-#else
+#if !TK_HAS_SANITIZER
 
 // The C library's own functions go by these names besides.
 // NOLINTBEGIN(bugprone-reserved-identifier)

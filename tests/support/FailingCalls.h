@@ -46,6 +46,19 @@ public:
     [[nodiscard]] static bool HasFailed();
 };
 
+/// Counts the calling thread's calls of a kind for as long as it lives. There is no FailingCall at
+/// the same time.
+class CountedCalls {
+public:
+    explicit CountedCalls(Call kind);
+
+    /// How many calls there were.
+    [[nodiscard]] static std::size_t SoFar();
+
+private:
+    FailingCall m_failing;
+};
+
 /// For a scope, the calling thread's calls neither fail nor count, because they are the test's own.
 class SparedCalls {
 public:

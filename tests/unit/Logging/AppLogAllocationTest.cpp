@@ -4,8 +4,8 @@
 #include <memory>
 #include <string>
 
-#include "AllocationCounter.h"
 #include "AppLog.h"
+#include "FailingCalls.h"
 
 namespace {
 
@@ -16,7 +16,7 @@ public:
 
     ResultCode Log(std::uint32_t /*severity*/, const char* /*text*/, const char* /*messageName*/,
                    std::uint32_t /*messageId*/, std::uint32_t /*level*/) override {
-        m_countAtRecord = AllocationCount();
+        m_countAtRecord = CountedCalls::SoFar();
         return kSuccess;
     }
 
@@ -28,10 +28,10 @@ class LogAllocations : public testing::Test {
 protected:
     /// Allocations from the call of an entry point to the arrival of its record.
     std::size_t BeforeTheSink(const std::function<void()>& entryPoint) {
-        const std::size_t before = AllocationCount();
-        m_countAtRecord = before + 1000;
+        m_countAtRecord = 1000;
+        const CountedCalls allocations(Call::Allocation);
         entryPoint();
-        return m_countAtRecord - before;
+        return m_countAtRecord;
     }
 
     const std::string m_longText = std::string(5000, 'x');
@@ -43,10 +43,10 @@ private:
 };
 
 TEST_F(LogAllocations, AreCounted) {
-    const std::size_t before = AllocationCount();
+    const CountedCalls allocations(Call::Allocation);
     const auto object = std::make_unique<int>(1);
     const auto array = std::make_unique<int[]>(100);
-    EXPECT_EQ(AllocationCount() - before, 2U);
+    EXPECT_EQ(CountedCalls::SoFar(), 2U);
 }
 
 TEST_F(LogAllocations, OfLogMessageAreNone) {

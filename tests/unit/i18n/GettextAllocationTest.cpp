@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 #include <libintl.h>
 
-#include "AllocationCounter.h"
+#include "FailingCalls.h"
 #include "LocaleFixture.h"
 
 namespace {
@@ -16,18 +16,18 @@ protected:
 };
 
 TEST_F(GettextAllocations, AreCounted) {
-    const std::size_t before = AllocationCount();
+    const CountedCalls allocations(Call::Allocation);
     const std::string text(100, 'x');
-    EXPECT_EQ(AllocationCount() - before, 1U);
+    EXPECT_EQ(CountedCalls::SoFar(), 1U);
 }
 
 TEST_F(GettextAllocations, OfRepeatedLookupsAreNone) {
     ASSERT_STREQ(dgettext("app", "one"), "eins");
-    const std::size_t before = AllocationCount();
+    const CountedCalls allocations(Call::Allocation);
     const char* const found = dgettext("app", "one");
     const char* const missing = dgettext("app", "two");
     const char* const plural = dngettext("app", "one", "ones", 2);
-    EXPECT_EQ(AllocationCount() - before, 0U);
+    EXPECT_EQ(CountedCalls::SoFar(), 0U);
     EXPECT_STREQ(found, "eins");
     EXPECT_STREQ(missing, "two");
     EXPECT_STREQ(plural, "ones");
@@ -36,10 +36,10 @@ TEST_F(GettextAllocations, OfRepeatedLookupsAreNone) {
 TEST_F(GettextAllocations, OfUntranslatedLookupsAreNone) {
     UseLocale("C");
     ASSERT_STREQ(dgettext("unbound", "one"), "one");
-    const std::size_t before = AllocationCount();
+    const CountedCalls allocations(Call::Allocation);
     dgettext("unbound", "one");
     dgettext("app", "one");
-    EXPECT_EQ(AllocationCount() - before, 0U);
+    EXPECT_EQ(CountedCalls::SoFar(), 0U);
 }
 
 TEST_F(GettextAllocations, OfLookupsAlternatingBetweenDomainsAreNone) {
@@ -47,10 +47,10 @@ TEST_F(GettextAllocations, OfLookupsAlternatingBetweenDomainsAreNone) {
     ASSERT_NE(bindtextdomain("other", m_folder.Path().c_str()), nullptr);
     ASSERT_STREQ(dgettext("app", "one"), "eins");
     ASSERT_STREQ(dgettext("other", "one"), "uno");
-    const std::size_t before = AllocationCount();
+    const CountedCalls allocations(Call::Allocation);
     dgettext("app", "one");
     dgettext("other", "one");
-    EXPECT_EQ(AllocationCount() - before, 0U);
+    EXPECT_EQ(CountedCalls::SoFar(), 0U);
 }
 
 }  // namespace
