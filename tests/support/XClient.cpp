@@ -107,15 +107,6 @@ std::optional<XWindow> XClient::FindByTitle(const std::string& title) const {
     return std::nullopt;
 }
 
-std::optional<XWindow> XClient::FindByPid(pid_t pid) const {
-    for (const XWindow window : TopLevels()) {
-        if (Number(window, "_NET_WM_PID") == static_cast<std::uint32_t>(pid)) {
-            return window;
-        }
-    }
-    return std::nullopt;
-}
-
 bool XClient::IsMapped(XWindow window) const {
     const auto reply = Owned(xcb_get_window_attributes_reply(
         m_connection.get(), xcb_get_window_attributes(m_connection.get(), window), nullptr));
@@ -130,12 +121,6 @@ XGeometry XClient::Geometry(XWindow window) const {
     const auto reply = Owned(xcb_get_geometry_reply(
         m_connection.get(), xcb_get_geometry(m_connection.get(), window), nullptr));
     return reply ? XGeometry{reply->x, reply->y, reply->width, reply->height} : XGeometry{};
-}
-
-XWindow XClient::Focused() const {
-    const auto reply = Owned(xcb_get_input_focus_reply(
-        m_connection.get(), xcb_get_input_focus(m_connection.get()), nullptr));
-    return reply->focus;
 }
 
 Screenshot XClient::Capture(XWindow window) const {

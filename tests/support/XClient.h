@@ -1,7 +1,5 @@
 #pragma once
 
-#include <sys/types.h>
-
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -44,12 +42,10 @@ public:
     /// Every top-level window that an application named, shown or not.
     [[nodiscard]] std::vector<XWindow> TopLevels() const;
     [[nodiscard]] std::optional<XWindow> FindByTitle(const std::string& title) const;
-    [[nodiscard]] std::optional<XWindow> FindByPid(pid_t pid) const;
 
     [[nodiscard]] bool IsMapped(XWindow window) const;
     [[nodiscard]] std::string Title(XWindow window) const;
     [[nodiscard]] XGeometry Geometry(XWindow window) const;
-    [[nodiscard]] XWindow Focused() const;
     [[nodiscard]] Screenshot Capture(XWindow window) const;
     [[nodiscard]] XWindow Root() const;
 

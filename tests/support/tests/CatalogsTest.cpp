@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <clocale>
 #include <stdexcept>
 
 #include "TemporaryFolder.h"
@@ -23,22 +22,6 @@ TEST(Catalogs, AreCompiledInTheByteOrderAskedFor) {
 TEST(Catalogs, TellOfASourceThatDoesNotCompile) {
     const TemporaryFolder folder;
     EXPECT_THROW(CompileCatalog(folder.Path("app.mo"), "msgid \"one\"\n"), std::runtime_error);
-}
-
-TEST(Catalogs, StandUnderLocaleAndCategory) {
-    EXPECT_EQ(CatalogPath("/l10n", "de", "app"), "/l10n/de/LC_MESSAGES/app.mo");
-    EXPECT_EQ(CatalogPath("/l10n", "de", "app", "LC_TIME"), "/l10n/de/LC_TIME/app.mo");
-}
-
-TEST(TestLocales, CanBeSet) {
-    UseTestLocales();
-    for (const char* const name :
-         {"de", "de_DE", "de_DE.UTF-8", "de@euro", "de_DE@euro", "de_DE.UTF-8@euro", "sr_RS@latin",
-          "fr_FR.UTF-8", "C@euro", "POSIX@euro"}) {
-        ASSERT_NE(std::setlocale(LC_ALL, name), nullptr) << name;
-        EXPECT_STREQ(std::setlocale(LC_ALL, nullptr), name);
-    }
-    std::setlocale(LC_ALL, "C");
 }
 
 }  // namespace

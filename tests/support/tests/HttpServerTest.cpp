@@ -4,25 +4,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
-#include <openssl/err.h>
-#include <openssl/ssl.h>
 #include <poll.h>
 #include <sys/socket.h>
 
 #include <cerrno>
-#include <memory>
-#include <optional>
-
-#include "Certificates.h"
 
 namespace {
 
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
-using testing::StartsWith;
 
 /// A client that writes what it is told and reads to the end.
 class Client {
@@ -89,23 +80,6 @@ bool HasNothingToRead(const Client& client) {
 
 }  // namespace
 
-TEST(HttpServerTest, AnswersWithStatusTypeHeadersAndLength) {
-    HttpServer server;
-    server.Serve("/page", {201, "hello", "text/plain", {{"Set-Cookie", "a=b; Path=/"}}});
-    Client client(server);
-    client.Get("/page?query");
-    EXPECT_EQ(client.ReadToEnd(),
-              "HTTP/1.1 201 Created\r\nContent-Type: text/plain\r\nSet-Cookie: a=b; Path=/\r\n"
-              "Content-Length: 5\r\nConnection: close\r\n\r\nhello");
-}
-
-TEST(HttpServerTest, AnswersNotFoundWhereNothingIsServed) {
-    HttpServer server;
-    Client client(server);
-    client.Get("/nowhere");
-    EXPECT_THAT(client.ReadToEnd(), StartsWith("HTTP/1.1 404 Not Found\r\n"));
-}
-
 TEST(HttpServerTest, RecordsRequestsInOrder) {
     HttpServer server;
     Client first(server);
@@ -120,25 +94,6 @@ TEST(HttpServerTest, RecordsRequestsInOrder) {
     EXPECT_EQ(server.Requests()[1].Header("user-agent"), "Me/1");
     EXPECT_EQ(server.Requests()[1].Header("Host"), "");
     EXPECT_EQ(server.Requests()[1].body, "body");
-}
-
-TEST(HttpServerTest, ReadsARequestThatComesByteByByte) {
-    HttpServer server;
-    server.ServePage("/", "there");
-    Client client(server);
-    for (const char byte : std::string("GET / HTTP/1.1\r\nHost: here\r\n\r\n")) {
-        client.Send(std::string(1, byte));
-    }
-    EXPECT_THAT(client.ReadToEnd(), HasSubstr("there"));
-    EXPECT_EQ(server.Requests()[0].Header("Host"), "here");
-}
-
-TEST(HttpServerTest, ClosesOnWhatIsNoRequest) {
-    HttpServer server;
-    Client client(server);
-    client.Send("\x16\x03\x01 nonsense\r\n\r\n");
-    EXPECT_EQ(client.ReadToEnd(), "");
-    EXPECT_THAT(server.RequestLines(), IsEmpty());
 }
 
 TEST(HttpServerTest, HoldsAnAnswerBackUntilItIsReleased) {
@@ -184,44 +139,4 @@ TEST(HttpServerTest, Resets) {
     client.Get("/reset");
     EXPECT_EQ(client.ReadToEnd(), "");
     EXPECT_TRUE(client.WasReset());
-}
-
-TEST(HttpServerTest, EndsWhileClientsStillWait) {
-    std::optional<HttpServer> server(std::in_place);
-    server->ServeOnRelease("/never", {200, ""});
-    Client waiting(*server);
-    waiting.Get("/never");
-    ASSERT_TRUE(server->WaitForRequest("/never"));
-    Client silent(*server);
-    server.reset();
-    EXPECT_THAT(waiting.ReadToEnd(), Not(HasSubstr("never")));
-}
-
-TEST(HttpServerTest, SpeaksTlsWithTheGivenCertificate) {
-    HttpServer server(TestCertificate("good"));
-    server.ServePage("/", "secret");
-    EXPECT_THAT(server.Url("/x", "localhost"), StartsWith("https://localhost:"));
-
-    const Client client(server);
-    const std::unique_ptr<SSL_CTX, void (*)(SSL_CTX*)> context(SSL_CTX_new(TLS_client_method()),
-                                                               SSL_CTX_free);
-    ASSERT_EQ(SSL_CTX_load_verify_file(context.get(), TestAuthority().c_str()), 1);
-    SSL_CTX_set_verify(context.get(), SSL_VERIFY_PEER, nullptr);
-    const std::unique_ptr<SSL, void (*)(SSL*)> tls(SSL_new(context.get()), SSL_free);
-    SSL_set_fd(tls.get(), client.Descriptor());
-    SSL_set1_host(tls.get(), "localhost");
-    ASSERT_EQ(SSL_connect(tls.get()), 1);
-    const std::string request = "GET / HTTP/1.1\r\n\r\n";
-    SSL_write(tls.get(), request.data(), static_cast<int>(request.size()));
-    std::string answer;
-    char byte = 0;
-    while (SSL_read(tls.get(), &byte, 1) == 1) {
-        answer += byte;
-    }
-    EXPECT_THAT(answer, HasSubstr("secret"));
-    EXPECT_EQ(SSL_get_shutdown(tls.get()), SSL_RECEIVED_SHUTDOWN);
-}
-
-TEST(HttpServerTest, RefusesACertificateThatIsNotThere) {
-    EXPECT_THROW(HttpServer({"/no/such.pem", "/no/such.key"}), std::runtime_error);
 }

@@ -25,11 +25,6 @@ int StatusOf(Function function) {
 
 }  // namespace
 
-TEST(ProgramRestartTest, AnOrdinaryStartIsNoRestart) {
-    EXPECT_FALSE(WasRestarted());
-    EXPECT_FALSE(HasOtherThreads());
-}
-
 TEST(ProgramRestartTest, EndsAsTheChildEnds) {
     // The preparation ends the child itself, so that the program need not be run again.
     EXPECT_EQ(WEXITSTATUS(StatusOf([] { RestartInChild([]() -> bool { _exit(42); }); })), 42);

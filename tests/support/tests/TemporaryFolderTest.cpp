@@ -7,13 +7,6 @@
 
 namespace {
 
-TEST(TemporaryFolder, IsNewAndEmpty) {
-    const TemporaryFolder first;
-    const TemporaryFolder second;
-    EXPECT_NE(first.Path(), second.Path());
-    EXPECT_TRUE(std::filesystem::is_empty(first.Path()));
-}
-
 TEST(TemporaryFolder, GoesWithAllThatIsInIt) {
     std::string path;
     {

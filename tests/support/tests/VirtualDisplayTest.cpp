@@ -8,9 +8,6 @@
 #include <csignal>
 #include <cstdlib>
 #include <memory>
-#include <optional>
-
-#include "XClient.h"
 
 namespace {
 
@@ -35,12 +32,6 @@ private:
 
 }  // namespace
 
-TEST(VirtualDisplayTest, AnswersAsSoonAsItStands) {
-    const VirtualDisplay display("640x480x24");
-    const XClient client(display.Name());
-    EXPECT_EQ(client.Geometry(client.Root()), (XGeometry{0, 0, 640, 480}));
-}
-
 TEST(VirtualDisplayTest, IsTheOnlyOneThatProgramsFind) {
     setenv("WAYLAND_DISPLAY", "wayland-0", 1);
     setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/somewhere", 1);
@@ -48,27 +39,6 @@ TEST(VirtualDisplayTest, IsTheOnlyOneThatProgramsFind) {
     EXPECT_EQ(getenv("DISPLAY"), display.Name());
     EXPECT_EQ(getenv("WAYLAND_DISPLAY"), nullptr);
     EXPECT_STREQ(getenv("DBUS_SESSION_BUS_ADDRESS"), "disabled:");
-}
-
-TEST(VirtualDisplayTest, TwoHaveDifferentNames) {
-    const VirtualDisplay first;
-    const VirtualDisplay second;
-    EXPECT_NE(first.Name(), second.Name());
-}
-
-TEST(VirtualDisplayTest, GivesTheNameBeforeBack) {
-    setenv("DISPLAY", ":before", 1);
-    { const VirtualDisplay display; }
-    EXPECT_STREQ(getenv("DISPLAY"), ":before");
-}
-
-TEST(VirtualDisplayTest, EndsWithTheObject) {
-    std::optional<VirtualDisplay> display(std::in_place);
-    const Client client(display->Name());
-    ASSERT_TRUE(client.IsConnected());
-    display.reset();
-    client.WaitForEnd();
-    EXPECT_FALSE(client.IsConnected());
 }
 
 TEST(VirtualDisplayTest, EndsWithAProcessThatIsKilled) {
@@ -95,8 +65,4 @@ TEST(VirtualDisplayTest, EndsWithAProcessThatIsKilled) {
     ASSERT_EQ(waitpid(child, nullptr, 0), child);
     client.WaitForEnd();
     EXPECT_FALSE(client.IsConnected());
-}
-
-TEST(VirtualDisplayTest, SaysWhenTheServerDoesNotStart) {
-    EXPECT_THROW(VirtualDisplay("no screen"), std::runtime_error);
 }
