@@ -4,16 +4,15 @@
 # docs/performance.md. It needs a quiet machine and half an hour.
 #
 #   scripts/bench.sh              everything
-#   scripts/bench.sh NAME...      some of: bus catalog catalog_again catalog_load hand_over idle
-#                                 ipc_socket ipc_stages log lookup_parts memory operations shares
-#                                 start string; writes no file
+#   scripts/bench.sh NAME...      some of: bus catalog catalog_again catalog_load idle ipc_socket
+#                                 ipc_stages log memory operations shares start; writes no file
 #
 # TK_BENCH_ROUNDS (15) is how often each thing is measured.
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 rounds=${TK_BENCH_ROUNDS:-15}
-functions=(catalog_again catalog catalog_load lookup_parts log ipc_stages hand_over ipc_socket string)
+functions=(catalog_again catalog catalog_load log ipc_stages ipc_socket)
 processes=(start bus operations shares idle memory)
 names=("$@")
 [ $# -gt 0 ] || names=("${processes[@]}" "${functions[@]}")
