@@ -1,13 +1,10 @@
 // What a screen reader finds.
 
-#include <fcntl.h>
-
 #include <string>
 
 #include "HelperTest.h"
+#include "ProgramRun.h"
 #include "SessionBus.h"
-#include "TemporaryFolder.h"
-#include "UniqueFd.h"
 
 namespace {
 
@@ -16,26 +13,16 @@ using testing::HasSubstr;
 class Accessibility : public HelperTest {
 protected:
     /// The objects on the accessibility bus, one a line.
-    std::string PrintTree() {
-        const std::string file = m_folder.Path("tree");
-        const CUniqueFd output(
-            open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, S_IRUSR | S_IWUSR));
+    [[nodiscard]] std::string PrintTree() const {
         LaunchCommand command;
         command.arguments = {"/usr/bin/python3", TK_ACCESSIBLE_TREE};
         command.environment = {{"DBUS_SESSION_BUS_ADDRESS", m_bus.Address()}};
-        command.output = output.Get();
-        CLaunchedProcess printer;
-        std::string reason;
-        EXPECT_TRUE(printer.Start(command, reason)) << reason;
-        const auto end = printer.WaitForEnd(DeadlineIn(kTestDeadline));
-        EXPECT_TRUE(end.has_value() && end->IsSuccess());
-        return ReadFile(file);
+        const ProgramRun run = RunProgram(command);
+        EXPECT_EQ(run.end, "exited with status 0") << run.errors;
+        return run.output;
     }
 
     SessionBus m_bus{{}, {"org.a11y.Bus"}};
-
-private:
-    TemporaryFolder m_folder;
 };
 
 }  // namespace

@@ -1,18 +1,14 @@
 // What the documents show of an agent really runs.
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <filesystem>
 #include <string>
 #include <vector>
 
 #include "HttpServer.h"
-#include "LaunchedProcess.h"
+#include "ProgramRun.h"
 #include "TemporaryFolder.h"
-#include "TestDeadline.h"
-#include "UniqueFd.h"
 
 namespace {
 
@@ -25,19 +21,11 @@ std::string Between(const std::string& opening, const std::string& closing,
 
 /// Runs a command that must succeed; gives its output.
 std::string OutputOf(const std::vector<std::string>& arguments) {
-    const TemporaryFolder folder;
-    const std::string path = folder.Path("output");
-    WriteFile(path, "");
-    const CUniqueFd output(open(path.c_str(), O_WRONLY | O_CLOEXEC));
     LaunchCommand command;
     command.arguments = arguments;
-    command.output = output.Get();
-    CLaunchedProcess process;
-    std::string reason;
-    EXPECT_TRUE(process.Start(command, reason)) << reason;
-    const auto end = process.WaitForEnd(DeadlineIn(kTestDeadline));
-    EXPECT_EQ(end ? end->Text() : "no end", "exited with status 0");
-    return ReadFile(path);
+    const ProgramRun run = RunProgram(command);
+    EXPECT_EQ(run.end, "exited with status 0") << run.errors;
+    return run.output;
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 // The Debian package from its installation to its removal, in a system's root of the test's own.
 
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -8,11 +7,9 @@
 #include <set>
 
 #include "Catalogs.h"
-#include "LaunchedProcess.h"
+#include "ProgramRun.h"
 #include "SystemLog.h"
 #include "TemporaryFolder.h"
-#include "TestDeadline.h"
-#include "UniqueFd.h"
 
 namespace {
 
@@ -46,23 +43,14 @@ protected:
     [[nodiscard]] testing::AssertionResult Succeeds(
         const std::vector<std::string>& arguments,
         std::map<std::string, std::optional<std::string>> environment = {}) {
-        const CUniqueFd output(
-            open(m_output.Path("text").c_str(), O_CREAT | O_TRUNC | O_WRONLY | O_CLOEXEC, 0600));
         LaunchCommand command;
         command.arguments = arguments;
         command.environment = std::move(environment);
-        command.output = command.error = output.Get();
-        CLaunchedProcess process;
-        std::string reason;
-        if (!process.Start(command, reason)) {
-            return testing::AssertionFailure() << reason;
-        }
-        const std::optional<ProcessEnd> end = process.WaitForEnd(DeadlineIn(kTestDeadline));
-        if (end.has_value() && end->IsSuccess()) {
+        const ProgramRun run = RunProgram(command);
+        if (run.end == "exited with status 0") {
             return testing::AssertionSuccess();
         }
-        return testing::AssertionFailure() << (end.has_value() ? end->Text() : "still runs") << "\n"
-                                           << ReadFile(m_output.Path("text"));
+        return testing::AssertionFailure() << run.end << "\n" << run.output << run.errors;
     }
 
     /// Whether dpkg does this in the root. It believes to be root, whoever runs the test, and that

@@ -18,6 +18,29 @@ protected:
         return "E The web process crashed, URI = " + (path.empty() ? "" : m_server.Url(path));
     }
 
+    // An operation ends with the process that dies before its page's first byte.
+    void LoseBeforeTheCommit(EngineProcess process) {
+        m_server.ServeOnRelease("/hang", {200, "late"});
+        Send(Operation::Browse(m_server.Url("/hang"), m_server.Url("/hang")).Shown());
+        ASSERT_TRUE(WaitForRequest("/hang"));
+        LoseOperationWith(process);
+        EXPECT_TRUE(WaitUntilHidden());
+    }
+
+    // The same half way through the page's body.
+    void LoseHalfWay(EngineProcess process) {
+        m_server.ServeHalfUntilRelease("/half", {200, std::string(4000, 'x')});
+        Send(Operation::Browse(m_server.Url("/half"), m_server.Url("/half")));
+        ASSERT_TRUE(m_loads.WaitFor("COMMITTED " + m_server.Url("/half")));
+        LoseOperationWith(process);
+    }
+
+    void LoseOperationWith(EngineProcess process) {
+        ASSERT_TRUE(KillEngineProcesses(process));
+        ASSERT_TRUE(WaitForResults(1));
+        EXPECT_THAT(Results(), ElementsAre("error_unknown"));
+    }
+
     // The next operation works as if nothing had happened.
     void ExpectGoodPage(std::size_t resultsBefore) {
         Send(Operation::Browse(m_server.Url("/good"), m_server.Url("/good")));
@@ -29,24 +52,13 @@ protected:
 }  // namespace
 
 TEST_F(WindowProcessesTest, AWebProcessThatDiesBeforeTheCommitEndsTheOperation) {
-    m_server.ServeOnRelease("/hang", {200, "late"});
-    Send(Operation::Browse(m_server.Url("/hang"), m_server.Url("/hang")).Shown());
-    ASSERT_TRUE(WaitForRequest("/hang"));
-    ASSERT_TRUE(KillEngineProcesses(EngineProcess::web));
-    ASSERT_TRUE(WaitForResults(1));
-    EXPECT_THAT(Results(), ElementsAre("error_unknown"));
+    LoseBeforeTheCommit(EngineProcess::web);
     EXPECT_THAT(LogLines(), ElementsAre(Crashed("/hang")));
-    EXPECT_TRUE(WaitUntilHidden());
     ExpectGoodPage(1);
 }
 
 TEST_F(WindowProcessesTest, AWebProcessThatDiesHalfWayThroughABodyEndsTheOperation) {
-    m_server.ServeHalfUntilRelease("/half", {200, std::string(4000, 'x')});
-    Send(Operation::Browse(m_server.Url("/half"), m_server.Url("/half")));
-    ASSERT_TRUE(m_loads.WaitFor("COMMITTED " + m_server.Url("/half")));
-    ASSERT_TRUE(KillEngineProcesses(EngineProcess::web));
-    ASSERT_TRUE(WaitForResults(1));
-    EXPECT_THAT(Results(), ElementsAre("error_unknown"));
+    LoseHalfWay(EngineProcess::web);
     EXPECT_THAT(LogLines(), ElementsAre(Crashed("/half")));
     ExpectGoodPage(1);
 }
@@ -55,9 +67,7 @@ TEST_F(WindowProcessesTest, AWebProcessThatDiesUnderAnOpenCookieOperationEndsIt)
     m_server.ServePage("/page", "no cookie here");
     Send(Operation::BrowseForCookie(m_server.Url("/page"), m_server.Url("/page"), "sid"));
     ASSERT_TRUE(m_loads.WaitFor("FINISHED " + m_server.Url("/page")));
-    ASSERT_TRUE(KillEngineProcesses(EngineProcess::web));
-    ASSERT_TRUE(WaitForResults(1));
-    EXPECT_THAT(Results(), ElementsAre("error_unknown"));
+    LoseOperationWith(EngineProcess::web);
     EXPECT_THAT(LogLines(), ElementsAre(Crashed("/page")));
     ExpectGoodPage(1);
 }
@@ -122,22 +132,12 @@ TEST_F(WindowProcessesTest, EachReasonIsTold) {
 }
 
 TEST_F(WindowProcessesTest, ANetworkProcessThatDiesDuringALoadEndsTheOperation) {
-    m_server.ServeOnRelease("/hang", {200, "late"});
-    Send(Operation::Browse(m_server.Url("/hang"), m_server.Url("/hang")));
-    ASSERT_TRUE(WaitForRequest("/hang"));
-    ASSERT_TRUE(KillEngineProcesses(EngineProcess::network));
-    ASSERT_TRUE(WaitForResults(1));
-    EXPECT_THAT(Results(), ElementsAre("error_unknown"));
+    LoseBeforeTheCommit(EngineProcess::network);
     ExpectGoodPage(1);
 }
 
 TEST_F(WindowProcessesTest, ANetworkProcessThatDiesHalfWayThroughABodyEndsTheOperation) {
-    m_server.ServeHalfUntilRelease("/half", {200, std::string(4000, 'x')});
-    Send(Operation::Browse(m_server.Url("/half"), m_server.Url("/half")));
-    ASSERT_TRUE(m_loads.WaitFor("COMMITTED " + m_server.Url("/half")));
-    ASSERT_TRUE(KillEngineProcesses(EngineProcess::network));
-    ASSERT_TRUE(WaitForResults(1));
-    EXPECT_THAT(Results(), ElementsAre("error_unknown"));
+    LoseHalfWay(EngineProcess::network);
     ExpectGoodPage(1);
 }
 
@@ -154,11 +154,7 @@ TEST_F(WindowProcessesTest, ANetworkProcessThatDiesBetweenOperationsIsReplaced) 
 }
 
 TEST_F(WindowProcessesTest, ACookieIsFoundInANewNetworkProcessToo) {
-    m_server.ServeOnRelease("/hang", {200, "late"});
-    Send(Operation::Browse(m_server.Url("/hang"), m_server.Url("/hang")));
-    ASSERT_TRUE(WaitForRequest("/hang"));
-    ASSERT_TRUE(KillEngineProcesses(EngineProcess::network));
-    ASSERT_TRUE(WaitForResults(1));
+    LoseBeforeTheCommit(EngineProcess::network);
     m_server.Serve("/page", {200, "hello", "text/html", {{"Set-Cookie", "sid=abc"}}});
     Send(Operation::BrowseForCookie(m_server.Url("/page"), m_server.Url("/never"), "sid"));
     ASSERT_TRUE(WaitForResults(2));

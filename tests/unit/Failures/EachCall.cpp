@@ -5,6 +5,8 @@
 #include <filesystem>
 #include <limits>
 
+#include "ChildProcess.h"
+#include "TemporaryFolder.h"
 #include "WaitUntil.h"
 
 namespace {
@@ -32,6 +34,19 @@ void ExpectNothingLeft(const Holdings& before) {
 }
 
 }  // namespace
+
+Scenario InChild(const Scenario& scenario) {
+    return [scenario](Call kind, std::size_t number) {
+        const TemporaryFolder folder;
+        const std::string mark = folder.Path("failed");
+        EXPECT_TRUE(HoldsInChild([&] {
+            if (scenario(kind, number)) {
+                WriteFile(mark, "");
+            }
+        }));
+        return std::filesystem::exists(mark);
+    };
+}
 
 std::size_t FailEachCall(Call kind, const Scenario& scenario) {
     EXPECT_FALSE(scenario(kind, std::numeric_limits<std::size_t>::max()));

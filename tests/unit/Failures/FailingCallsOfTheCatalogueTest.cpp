@@ -85,16 +85,8 @@ protected:
 
     [[nodiscard]] bool UseOnce(Call kind, std::size_t number) const {
         const SparedLog log;
-        release_textdomain_catalog("Tunnelkeep");
-        release_textdomain_catalog("tkdownloader-gtk");
-        MsgCatalog::resetCatalog();
         Texts texts;
-        bool hasFailed = false;
-        {
-            const FailingCall failing(kind, number);
-            UseCatalogues(texts);
-            hasFailed = FailingCall::HasFailed();
-        }
+        const bool hasFailed = WhileFailing(kind, number, [&] { UseCatalogues(texts); });
         ExpectTexts(texts, log.Lines(), hasFailed);
         return hasFailed;
     }
@@ -125,30 +117,17 @@ protected:
     }
 
     [[nodiscard]] Scenario Use() const {
-        return [this](Call kind, std::size_t number) { return UseOnce(kind, number); };
+        return [this](Call kind, std::size_t number) {
+            release_textdomain_catalog("Tunnelkeep");
+            release_textdomain_catalog("tkdownloader-gtk");
+            MsgCatalog::resetCatalog();
+            return UseOnce(kind, number);
+        };
     }
 
     /// The same as the first use in a process.
     [[nodiscard]] Scenario FirstUse() const {
-        return [this](Call kind, std::size_t number) { return UseInChild(kind, number); };
-    }
-
-    [[nodiscard]] bool UseInChild(Call kind, std::size_t number) const {
-        const std::string mark = m_folder.Path("failed");
-        WriteFile(mark, "");
-        EXPECT_TRUE(HoldsInChild([&] {
-            const SparedLog log;
-            Texts texts;
-            bool hasFailed = false;
-            {
-                const FailingCall failing(kind, number);
-                UseCatalogues(texts);
-                hasFailed = FailingCall::HasFailed();
-            }
-            ExpectTexts(texts, log.Lines(), hasFailed);
-            WriteFile(mark, hasFailed ? "yes" : "no");
-        }));
-        return ReadFile(mark) == "yes";
+        return InChild([this](Call kind, std::size_t number) { return UseOnce(kind, number); });
     }
 
     TemporaryFolder m_folder;
@@ -158,7 +137,7 @@ protected:
     CStoragePath* m_storagePath = nullptr;
 };
 
-/// The first to run, where the program runs them all: the runtime is made once for a process.
+/// The runtime is made once for a process: this is its first use where the case runs alone.
 TEST_F(FailingCallsOfTheCatalogue, EveryAllocationOfTheFirstUse) {
     EXPECT_THAT(FailEachCall(Call::Allocation, FirstUse()), Ge(20U));
 }
@@ -221,10 +200,10 @@ TEST_F(FailingCallsOfTheCatalogue, TheAllocationOfALongCatalogueName) {
 }
 
 bool LoadAndRelease(Call kind, std::size_t number) {
-    const FailingCall failing(kind, number);
-    static_cast<void>(dgettext("tkdownloader-gtk", "Sign in to the network"));
-    release_textdomain_catalog("tkdownloader-gtk");
-    return FailingCall::HasFailed();
+    return WhileFailing(kind, number, [&] {
+        static_cast<void>(dgettext("tkdownloader-gtk", "Sign in to the network"));
+        release_textdomain_catalog("tkdownloader-gtk");
+    });
 }
 
 TEST_F(FailingCallsOfTheCatalogue, EveryUnmap) {

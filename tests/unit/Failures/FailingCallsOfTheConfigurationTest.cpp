@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "AppLogCustomConfig.h"
-#include "ChildProcess.h"
 #include "EachCall.h"
 #include "SparedLog.h"
 #include "TemporaryFolder.h"
@@ -16,7 +15,6 @@ namespace {
 using testing::Contains;
 using testing::Ge;
 using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
 
@@ -27,33 +25,23 @@ class FailingCallsOfTheConfiguration : public testing::Test {
 protected:
     ~FailingCallsOfTheConfiguration() override { unlink(kFile.c_str()); }
 
-    bool FirstUse(Call kind, std::size_t number) {
-        const std::string mark = m_folder.Path("failed");
-        WriteFile(mark, "");
-        EXPECT_TRUE(HoldsInChild([&] {
-            const SparedLog log;
-            bool hasFailed = false;
-            {
-                const FailingCall failing(kind, number);
-                LogVerbose("f", "a.cpp", 1, 'I', 1, 1, "%s", "a verbose record");
-                LogVerbose("f", "a.cpp", 1, 'I', 1, -1, "%s", "a record that passes");
-                hasFailed = FailingCall::HasFailed();
-            }
-            EXPECT_THAT(log.Lines(), Not(Contains(HasSubstr("a verbose record"))));
-            if (hasFailed) {
-                EXPECT_THAT(log.Lines(), Contains(StartsWith("E ")));
-            }
-            WriteFile(mark, hasFailed ? "yes" : "no");
-        }));
-        return ReadFile(mark) == "yes";
+    [[nodiscard]] static std::size_t FailEach(Call kind) {
+        return FailEachCall(kind, InChild(FirstUse));
     }
 
-    [[nodiscard]] std::size_t FailEach(Call kind) {
-        return FailEachCall(
-            kind, [this](Call failing, std::size_t number) { return FirstUse(failing, number); });
+private:
+    static bool FirstUse(Call kind, std::size_t number) {
+        const SparedLog log;
+        const bool hasFailed = WhileFailing(kind, number, [] {
+            LogVerbose("f", "a.cpp", 1, 'I', 1, 1, "%s", "a verbose record");
+            LogVerbose("f", "a.cpp", 1, 'I', 1, -1, "%s", "a record that passes");
+        });
+        EXPECT_THAT(log.Lines(), Not(Contains(HasSubstr("a verbose record"))));
+        if (hasFailed) {
+            EXPECT_THAT(log.Lines(), Contains(StartsWith("E ")));
+        }
+        return hasFailed;
     }
-
-    TemporaryFolder m_folder;
 };
 
 TEST_F(FailingCallsOfTheConfiguration, EveryAllocation) {

@@ -42,12 +42,7 @@ struct FileWork {
         WriteFile(path, kText);
         const SparedLog log;
         bool done = false;
-        bool hasFailed = false;
-        {
-            const FailingCall failing(kind, number);
-            done = work(path);
-            hasFailed = FailingCall::HasFailed();
-        }
+        const bool hasFailed = WhileFailing(kind, number, [&] { done = work(path); });
         if (done) {
             EXPECT_EQ(ReadFile(path), textWhenDone);
         } else {
@@ -97,12 +92,8 @@ bool RemoveLine(Call kind, std::size_t number) {
     WriteFile(path, kText);
     const SparedLog log;
     bool done = false;
-    bool hasFailed = false;
-    {
-        const FailingCall failing(kind, number);
-        done = RemoveFromFileMatchingLine(path, kFirstLine);
-        hasFailed = FailingCall::HasFailed();
-    }
+    const bool hasFailed =
+        WhileFailing(kind, number, [&] { done = RemoveFromFileMatchingLine(path, kFirstLine); });
     EXPECT_TRUE(done || hasFailed);
     const std::string text = ReadFile(path);
     if (done) {
@@ -119,14 +110,11 @@ bool AskForStatus(Call kind, std::size_t number) {
     WriteFile(path, kText);
     const SparedLog log;
     bool isRight = false;
-    bool hasFailed = false;
-    {
-        const FailingCall failing(kind, number);
+    const bool hasFailed = WhileFailing(kind, number, [&] {
         const bool exists = fileExists(path);
         const bool isDirectory = directoryExists(path);
         isRight = fileIsReadable(path) && exists && !isDirectory;
-        hasFailed = FailingCall::HasFailed();
-    }
+    });
     EXPECT_EQ(log.Lines().size(), hasFailed ? 1U : 0U);
     EXPECT_TRUE(isRight || hasFailed);
     return hasFailed;

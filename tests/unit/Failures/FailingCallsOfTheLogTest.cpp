@@ -22,16 +22,13 @@ const std::string kLong(700, 'x');
 class FailingCallsOfTheLog : public testing::Test {
 protected:
     bool WriteOnce(Call kind, std::size_t number) {
-        bool hasFailed = false;
-        {
-            const FailingCall failing(kind, number);
+        const bool hasFailed = WhileFailing(kind, number, [&] {
             ResultCode result = 1;
             const CAppLog log(result, "tkwebhelper", nullptr);
             EXPECT_EQ(result, kSuccess);
             TK_LOG_ERROR("first line\nsecond line %s", kLong.c_str());
             TK_LOG_FAILED_CALL("Invoked", 13);
-            hasFailed = FailingCall::HasFailed();
-        }
+        });
         ExpectLines(hasFailed);
         m_systemLog.Clear();
         return hasFailed;

@@ -42,12 +42,7 @@ bool Serialize(const Record& record, const std::string& expected, Call kind, std
     const SparedLog log;
     std::string json = "what was there before, and is to go";
     bool done = false;
-    bool hasFailed = false;
-    {
-        const FailingCall failing(kind, number);
-        done = record.Serialize(json);
-        hasFailed = FailingCall::HasFailed();
-    }
+    const bool hasFailed = WhileFailing(kind, number, [&] { done = record.Serialize(json); });
     EXPECT_EQ(done, !hasFailed);
     EXPECT_EQ(json, done ? expected : "");
     ExpectOutcome(done, log, "Caught serialization exception - ");
@@ -58,12 +53,7 @@ template <class Record>
 bool Deserialize(Record& record, const std::string& json, Call kind, std::size_t number) {
     const SparedLog log;
     bool done = false;
-    bool hasFailed = false;
-    {
-        const FailingCall failing(kind, number);
-        done = record.Deserialize(json);
-        hasFailed = FailingCall::HasFailed();
-    }
+    const bool hasFailed = WhileFailing(kind, number, [&] { done = record.Deserialize(json); });
     EXPECT_EQ(done, !hasFailed);
     ExpectOutcome(done, log, "Caught deserialization exception - ");
     return hasFailed;

@@ -56,12 +56,8 @@ bool LookUpHome(Call kind, std::size_t number) {
     ResultCode result = kSuccess;
     const CStoragePath storagePath(result, "");
     std::string home;
-    bool hasFailed = false;
-    {
-        const FailingCall failing(kind, number);
-        home = storagePath.GetUserProgramDataPath("");
-        hasFailed = FailingCall::HasFailed();
-    }
+    const bool hasFailed =
+        WhileFailing(kind, number, [&] { home = storagePath.GetUserProgramDataPath(""); });
     if (home == ".") {
         EXPECT_TRUE(hasFailed);
         EXPECT_THAT(log.Lines(), ElementsAre(HasSubstr("Error retrieving user pswd struct.")));
@@ -111,12 +107,8 @@ bool MakeDirectories(Call kind, std::size_t number) {
     const TemporaryFolder folder;
     const std::string path = folder.Path("one-of-the-directories/another-one/the-last-one");
     bool made = false;
-    bool hasFailed = false;
-    {
-        const FailingCall failing(kind, number);
-        made = MakeDirectoryPath(path.c_str());
-        hasFailed = FailingCall::HasFailed();
-    }
+    const bool hasFailed =
+        WhileFailing(kind, number, [&] { made = MakeDirectoryPath(path.c_str()); });
     EXPECT_EQ(made, std::filesystem::is_directory(path));
     EXPECT_TRUE(made || hasFailed);
     return hasFailed;
@@ -134,9 +126,7 @@ bool MakeDirectoryWhereAFileIs(Call kind, std::size_t number) {
     const TemporaryFolder folder;
     const std::string path = folder.Path("file");
     WriteFile(path, "in the way");
-    const FailingCall failing(kind, number);
-    EXPECT_FALSE(MakeDirectoryPath(path.c_str()));
-    return FailingCall::HasFailed();
+    return WhileFailing(kind, number, [&] { EXPECT_FALSE(MakeDirectoryPath(path.c_str())); });
 }
 
 TEST(FailingCallsOfADirectoryPath, EveryStatusWithAFileInTheWay) {

@@ -27,12 +27,8 @@ protected:
 bool FormatTime(Call kind, std::size_t number) {
     const SparedLog log;
     std::string text;
-    bool hasFailed = false;
-    {
-        const FailingCall failing(kind, number);
-        text = TimeNowFormatted(kAsAsctimeWritesIt);
-        hasFailed = FailingCall::HasFailed();
-    }
+    const bool hasFailed =
+        WhileFailing(kind, number, [&] { text = TimeNowFormatted(kAsAsctimeWritesIt); });
     EXPECT_EQ(text.empty(), hasFailed);
     if (hasFailed && kind == Call::Allocation) {
         EXPECT_THAT(log.Lines(),
@@ -55,12 +51,8 @@ bool WriteTime(Call kind, std::size_t number) {
     const SparedLog log;
     char text[] = "unchanged";
     ResultCode result = kSuccess;
-    bool hasFailed = false;
-    {
-        const FailingCall failing(kind, number);
-        result = TimeNowToString("%Y", text, sizeof text);
-        hasFailed = FailingCall::HasFailed();
-    }
+    const bool hasFailed =
+        WhileFailing(kind, number, [&] { result = TimeNowToString("%Y", text, sizeof text); });
     if (hasFailed) {
         EXPECT_EQ(result, 0xFE000009);
         EXPECT_STREQ(text, "unchanged");

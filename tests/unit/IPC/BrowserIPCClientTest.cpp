@@ -246,13 +246,8 @@ TEST_F(BrowserIPCClient, ForwardsARefusedConnection) {
 
 /// The transport lets no other id through, so these call what it would call.
 TEST_F(BrowserIPCClient, OnlyLogsOtherMessageIds) {
-    CBrowserIpcClient* instance = nullptr;
-    ASSERT_EQ(CBrowserIpcClient::createSingletonInstance(m_listener.Port(), &m_callback, &instance),
-              kSuccess);
-    m_client = instance;
-    m_peer = m_listener.Accept();
-    ASSERT_TRUE(m_log.WaitForRecords(2));
-    m_log.Clear();
+    Connect();
+    auto* const instance = static_cast<CBrowserIpcClient*>(m_client);
     instance->OnMsgReceived(1, "{\"operation\":\"reset\"}", 21);
     instance->OnMsgReceived(7, nullptr, 0);
     instance->OnIpcSendComplete(1);
@@ -262,13 +257,8 @@ TEST_F(BrowserIPCClient, OnlyLogsOtherMessageIds) {
 }
 
 TEST_F(BrowserIPCClient, TakesAPointerWithoutLengthForAnEmptyMessage) {
-    CBrowserIpcClient* instance = nullptr;
-    ASSERT_EQ(CBrowserIpcClient::createSingletonInstance(m_listener.Port(), &m_callback, &instance),
-              kSuccess);
-    m_client = instance;
-    m_peer = m_listener.Accept();
-    ASSERT_TRUE(m_log.WaitForRecords(2));
-    m_log.Clear();
+    Connect();
+    auto* const instance = static_cast<CBrowserIpcClient*>(m_client);
     instance->OnMsgReceived(0, "", 0);
     instance->OnMsgReceived(0, nullptr, 5);
     ExpectLinesUntilEnd(

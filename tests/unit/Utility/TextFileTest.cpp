@@ -20,6 +20,13 @@ protected:
 
     std::string Contents() const { return ReadFile(m_file); }
 
+    std::vector<std::string> LinesOf(const std::string& contents) const {
+        WriteFile(m_file, contents);
+        std::vector<std::string> lines = {"old"};
+        EXPECT_TRUE(ReadTextFile(m_file, lines));
+        return lines;
+    }
+
     TemporaryFolder m_folder;
     std::string m_file = m_folder.Path("file");
     LogCapture m_log;
@@ -34,46 +41,29 @@ using RemoveFromFileMatchingLineTest = TextFile;
 using InsertIntoFileTest = TextFile;
 
 TEST_F(ReadTextFileTest, GivesTheLinesWithoutTheirLineBreaks) {
-    WriteFile(m_file, "one\ntwo\r\n\nthree \t\r\r\n\n");
-    std::vector<std::string> lines = {"old"};
-    EXPECT_TRUE(ReadTextFile(m_file, lines));
-    EXPECT_THAT(lines, ElementsAre("one", "two", "", "three \t", ""));
+    EXPECT_THAT(LinesOf("one\ntwo\r\n\nthree \t\r\r\n\n"),
+                ElementsAre("one", "two", "", "three \t", ""));
 }
 
 TEST_F(ReadTextFileTest, GivesALastLineWithoutALineFeed) {
-    WriteFile(m_file, "one\ntwo");
-    std::vector<std::string> lines;
-    EXPECT_TRUE(ReadTextFile(m_file, lines));
-    EXPECT_THAT(lines, ElementsAre("one", "two"));
+    EXPECT_THAT(LinesOf("one\ntwo"), ElementsAre("one", "two"));
 }
 
 TEST_F(ReadTextFileTest, KeepsCarriageReturnsWithinALine) {
-    WriteFile(m_file, "one\rtwo\n\rthree");
-    std::vector<std::string> lines;
-    EXPECT_TRUE(ReadTextFile(m_file, lines));
-    EXPECT_THAT(lines, ElementsAre("one\rtwo", "\rthree"));
+    EXPECT_THAT(LinesOf("one\rtwo\n\rthree"), ElementsAre("one\rtwo", "\rthree"));
 }
 
 TEST_F(ReadTextFileTest, GivesNoLineOfAnEmptyFile) {
-    WriteFile(m_file, "");
-    std::vector<std::string> lines = {"old"};
-    EXPECT_TRUE(ReadTextFile(m_file, lines));
-    EXPECT_THAT(lines, IsEmpty());
+    EXPECT_THAT(LinesOf(""), IsEmpty());
 }
 
 TEST_F(ReadTextFileTest, GivesLinesOfAMegabyte) {
     const std::string longLine(1 << 20, 'x');
-    WriteFile(m_file, longLine + "\r\n" + longLine);
-    std::vector<std::string> lines;
-    EXPECT_TRUE(ReadTextFile(m_file, lines));
-    EXPECT_THAT(lines, ElementsAre(longLine, longLine));
+    EXPECT_THAT(LinesOf(longLine + "\r\n" + longLine), ElementsAre(longLine, longLine));
 }
 
 TEST_F(ReadTextFileTest, KeepsZeroBytes) {
-    WriteFile(m_file, "a\0b\n"s);
-    std::vector<std::string> lines;
-    EXPECT_TRUE(ReadTextFile(m_file, lines));
-    EXPECT_THAT(lines, ElementsAre("a\0b"s));
+    EXPECT_THAT(LinesOf("a\0b\n"s), ElementsAre("a\0b"s));
 }
 
 TEST_F(FileHasOnlyWhiteSpaceTest, IsTrueOfWhiteSpaceAndOfNothing) {

@@ -8,9 +8,8 @@ namespace {
 using testing::HasSubstr;
 
 void ExpectRefused(const std::vector<std::string>& arguments, const std::string& line) {
-    const TkAgentRun run = RunTkAgent(arguments);
-    ASSERT_TRUE(run.end.has_value());
-    EXPECT_EQ(run.end->Text(), "exited with status 2");
+    const ProgramRun run = RunTkAgent(arguments);
+    EXPECT_EQ(run.end, "exited with status 2");
     EXPECT_EQ(run.errors, line);
     EXPECT_EQ(run.output, "");
 }
@@ -30,9 +29,8 @@ TEST(CommandLine, RefusesATimeoutOfZero) {
 }
 
 TEST(CommandLine, RefusesATimeoutThatIsNoNumber) {
-    const TkAgentRun run = RunTkAgent({"demo", "--timeout", "soon"});
-    ASSERT_TRUE(run.end.has_value());
-    EXPECT_EQ(run.end->Text(), "exited with status 2");
+    const ProgramRun run = RunTkAgent({"demo", "--timeout", "soon"});
+    EXPECT_EQ(run.end, "exited with status 2");
     EXPECT_THAT(run.errors, testing::StartsWith("tkagent: "));
     EXPECT_THAT(run.errors, HasSubstr("soon"));
 }
@@ -43,24 +41,22 @@ TEST(CommandLine, RefusesACommandAtTheFormForAPerson) {
 }
 
 TEST(CommandLine, HelpTellsTheExitStatuses) {
-    const TkAgentRun run = RunTkAgent({"--help"});
-    ASSERT_TRUE(run.end.has_value());
-    EXPECT_TRUE(run.end->IsSuccess());
+    const ProgramRun run = RunTkAgent({"--help"});
+    EXPECT_EQ(run.end, "exited with status 0");
     EXPECT_THAT(run.output, HasSubstr("4  the helper ended by itself"));
     EXPECT_EQ(run.errors, "");
 }
 
 TEST(CommandLine, LooksForTheHelperBesideItself) {
     const std::string program = TKAGENT_PATH;
-    const TkAgentRun run = RunTkAgent({"run", "--help"});
+    const ProgramRun run = RunTkAgent({"run", "--help"});
     EXPECT_THAT(run.output,
                 HasSubstr("=" + program.substr(0, program.rfind('/')) + "/tkwebhelper\n"));
 }
 
 TEST(CommandLine, ReportsAHelperThatCannotBeStarted) {
-    const TkAgentRun run = RunTkAgent({"run", "--helper", "/nonexistent/helper"});
-    ASSERT_TRUE(run.end.has_value());
-    EXPECT_EQ(run.end->Text(), "exited with status 3");
+    const ProgramRun run = RunTkAgent({"run", "--helper", "/nonexistent/helper"});
+    EXPECT_EQ(run.end, "exited with status 3");
     EXPECT_EQ(run.errors, "tkagent: cannot start /nonexistent/helper: No such file or directory\n");
 }
 

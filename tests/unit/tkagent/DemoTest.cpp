@@ -31,19 +31,17 @@ constexpr const char* kEnd =
     "helper   exited with status 0\n";
 
 TEST(Demo, TellsEachMessageOfASignInByAPerson) {
-    const TkAgentRun run = RunWithFakeHelper("demo", "signs_in");
-    ASSERT_TRUE(run.end.has_value());
-    EXPECT_EQ(run.end->Text(), "exited with status 0");
+    const ProgramRun run = RunWithFakeHelper("demo", "signs_in");
+    EXPECT_EQ(run.end, "exited with status 0");
     EXPECT_EQ(Told(run.output), std::string(kStart) +
                                     "agent    waits for you to sign in, in the helper's window\n" +
                                     kCookie + kEnd);
 }
 
 TEST(Demo, UnattendedRunsTheCommandWhileThePageWaits) {
-    const TkAgentRun run = RunWithFakeHelper("demo", "signs_in", "",
+    const ProgramRun run = RunWithFakeHelper("demo", "signs_in", "",
                                              {"--unattended", "--at-form", "echo took a picture"});
-    ASSERT_TRUE(run.end.has_value());
-    EXPECT_EQ(run.end->Text(), "exited with status 0");
+    EXPECT_EQ(run.end, "exited with status 0");
     EXPECT_EQ(Told(run.output), std::string(kStart) +
                                     "site     the form is painted\n"
                                     "took a picture\n"
@@ -52,24 +50,21 @@ TEST(Demo, UnattendedRunsTheCommandWhileThePageWaits) {
 }
 
 TEST(Demo, FailsWithoutTheCookieAndStillEndsTheHelper) {
-    const TkAgentRun run = RunWithFakeHelper("demo", "");
-    ASSERT_TRUE(run.end.has_value());
-    EXPECT_EQ(run.end->Text(), "exited with status 7");
+    const ProgramRun run = RunWithFakeHelper("demo", "");
+    EXPECT_EQ(run.end, "exited with status 7");
     EXPECT_THAT(run.errors, testing::EndsWith("tkagent: the sign-in ended without its cookie\n"));
     EXPECT_THAT(Told(run.output), testing::EndsWith(kEnd));
 }
 
 TEST(Demo, FailsWhenTheHelperDies) {
-    const TkAgentRun run = RunWithFakeHelper("demo", "dies");
-    ASSERT_TRUE(run.end.has_value());
-    EXPECT_EQ(run.end->Text(), "exited with status 4");
+    const ProgramRun run = RunWithFakeHelper("demo", "dies");
+    EXPECT_EQ(run.end, "exited with status 4");
     EXPECT_THAT(run.errors, testing::EndsWith("tkagent: the helper was killed by SIGKILL\n"));
 }
 
 TEST(Demo, FailsWhenTheFirstMessageIsNotReady) {
-    const TkAgentRun run = RunWithFakeHelper("demo", "not_ready");
-    ASSERT_TRUE(run.end.has_value());
-    EXPECT_EQ(run.end->Text(), "exited with status 6");
+    const ProgramRun run = RunWithFakeHelper("demo", "not_ready");
+    EXPECT_EQ(run.end, "exited with status 6");
     EXPECT_THAT(run.errors, testing::EndsWith("the helper's first message is not ready\n"));
 }
 

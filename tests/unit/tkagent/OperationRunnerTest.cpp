@@ -13,20 +13,19 @@ std::string SuccessWith(const std::string& operation) {
     return R"({"result":"success","cookie_value":")" + operation + "\"}\n";
 }
 
-void ExpectEnd(const TkAgentRun& run, int status, const std::string& errors) {
-    ASSERT_TRUE(run.end.has_value());
-    EXPECT_EQ(run.end->Text(), "exited with status " + std::to_string(status));
+void ExpectEnd(const ProgramRun& run, int status, const std::string& errors) {
+    EXPECT_EQ(run.end, "exited with status " + std::to_string(status));
     EXPECT_EQ(run.errors, errors);
 }
 
 TEST(OperationRunner, WritesReadyAndEndsTheHelperWithoutOperations) {
-    const TkAgentRun run = RunWithFakeHelper("run", "");
+    const ProgramRun run = RunWithFakeHelper("run", "");
     EXPECT_EQ(run.output, kReady);
     ExpectEnd(run, 0, kFakeOutput);
 }
 
 TEST(OperationRunner, SendsEachOperationAsTheRecordsWriteIt) {
-    const TkAgentRun run = RunWithFakeHelper("run", "",
+    const ProgramRun run = RunWithFakeHelper("run", "",
                                              "{\"url\":\"u\", \"operation\":\"browse\", "
                                              "\"timeout\":30, \"show\":true}\n"
                                              "\n"
@@ -40,13 +39,13 @@ TEST(OperationRunner, SendsEachOperationAsTheRecordsWriteIt) {
 }
 
 TEST(OperationRunner, TakesALastLineWithoutNewline) {
-    const TkAgentRun run = RunWithFakeHelper("run", "", R"({"operation":"terminate"})");
+    const ProgramRun run = RunWithFakeHelper("run", "", R"({"operation":"terminate"})");
     EXPECT_EQ(run.output, kReady);
     ExpectEnd(run, 0, kFakeOutput);
 }
 
 TEST(OperationRunner, ReadsNothingBehindATerminate) {
-    const TkAgentRun run =
+    const ProgramRun run =
         RunWithFakeHelper("run", "", "{\"operation\":\"terminate\"}\nthis is no operation\n");
     EXPECT_EQ(run.output, kReady);
     ExpectEnd(run, 0, kFakeOutput);
@@ -55,7 +54,7 @@ TEST(OperationRunner, ReadsNothingBehindATerminate) {
 TEST(OperationRunner, WithoutWaitingStillGivesEveryResult) {
     const std::string operation =
         R"({\"operation\":\"browse\",\"show\":\"false\",\"timeout\":\"0\",\"url\":\"u\"})";
-    const TkAgentRun run =
+    const ProgramRun run =
         RunWithFakeHelper("run", "", std::string(kBrowse) + kBrowse + kBrowse, {"--no-wait"});
     EXPECT_EQ(run.output,
               kReady + SuccessWith(operation) + SuccessWith(operation) + SuccessWith(operation));
@@ -63,14 +62,14 @@ TEST(OperationRunner, WithoutWaitingStillGivesEveryResult) {
 }
 
 TEST(OperationRunner, RefusesALineThatIsNoJson) {
-    const TkAgentRun run = RunWithFakeHelper("run", "", std::string("\n") + kBrowse + "browse\n");
+    const ProgramRun run = RunWithFakeHelper("run", "", std::string("\n") + kBrowse + "browse\n");
     ExpectEnd(run, 2,
               std::string(kFakeOutput) +
                   "tkagent: line 3 is no JSON object with a known \"operation\"\n");
 }
 
 TEST(OperationRunner, RefusesAnUnknownOperation) {
-    const TkAgentRun run = RunWithFakeHelper("run", "", "{\"operation\":\"Browse\"}\n");
+    const ProgramRun run = RunWithFakeHelper("run", "", "{\"operation\":\"Browse\"}\n");
     EXPECT_EQ(run.output, kReady);
     ExpectEnd(run, 2,
               std::string(kFakeOutput) +
@@ -83,12 +82,12 @@ std::string ResetWithUrlOf(std::size_t characters) {
 }
 
 TEST(OperationRunner, SendsAnOperationOf2048Bytes) {
-    const TkAgentRun run = RunWithFakeHelper("run", "", ResetWithUrlOf(2017));
+    const ProgramRun run = RunWithFakeHelper("run", "", ResetWithUrlOf(2017));
     ExpectEnd(run, 0, kFakeOutput);
 }
 
 TEST(OperationRunner, RefusesAnOperationOf2049Bytes) {
-    const TkAgentRun run = RunWithFakeHelper("run", "", ResetWithUrlOf(2018));
+    const ProgramRun run = RunWithFakeHelper("run", "", ResetWithUrlOf(2018));
     EXPECT_EQ(run.output, kReady);
     ExpectEnd(run, 2,
               std::string(kFakeOutput) +
@@ -96,52 +95,52 @@ TEST(OperationRunner, RefusesAnOperationOf2049Bytes) {
 }
 
 TEST(OperationRunner, ReportsTheSignalThatKilledTheHelper) {
-    const TkAgentRun run = RunWithFakeHelper("run", "dies", kBrowse);
+    const ProgramRun run = RunWithFakeHelper("run", "dies", kBrowse);
     EXPECT_EQ(run.output, kReady);
     ExpectEnd(run, 4, std::string(kFakeOutput) + "tkagent: the helper was killed by SIGKILL\n");
 }
 
 TEST(OperationRunner, ReportsTheStatusOfAHelperThatEndedByItself) {
-    const TkAgentRun run = RunWithFakeHelper("run", "exits", kBrowse);
+    const ProgramRun run = RunWithFakeHelper("run", "exits", kBrowse);
     ExpectEnd(run, 4, std::string(kFakeOutput) + "tkagent: the helper exited with status 5\n");
 }
 
 TEST(OperationRunner, ReportsTheStatusOfAHelperThatFailedAtItsEnd) {
-    const TkAgentRun run = RunWithFakeHelper("run", "ends_badly", kBrowse);
+    const ProgramRun run = RunWithFakeHelper("run", "ends_badly", kBrowse);
     ExpectEnd(run, 4, std::string(kFakeOutput) + "tkagent: the helper exited with status 7\n");
 }
 
 TEST(OperationRunner, ReportsAHelperThatEndedBeforeItConnected) {
-    const TkAgentRun run = RunWithFakeHelper("run", "fails_at_start");
+    const ProgramRun run = RunWithFakeHelper("run", "fails_at_start");
     EXPECT_EQ(run.output, "");
     ExpectEnd(run, 4, "tkagent: the helper exited with status 3\n");
 }
 
 TEST(OperationRunner, ReportsAHelperThatClosesTheConnectionAndRunsOn) {
-    const TkAgentRun run = RunWithFakeHelper("run", "closes", kBrowse, {"--timeout", "1"});
+    const ProgramRun run = RunWithFakeHelper("run", "closes", kBrowse, {"--timeout", "1"});
     ExpectEnd(
         run, 4,
         std::string(kFakeOutput) + "tkagent: the helper closed the connection but still runs\n");
 }
 
 TEST(OperationRunner, GivesUpOnAHelperThatNeverConnects) {
-    const TkAgentRun run = RunWithFakeHelper("run", "never_connects", "", {"--timeout", "1"});
+    const ProgramRun run = RunWithFakeHelper("run", "never_connects", "", {"--timeout", "1"});
     ExpectEnd(run, 5, "tkagent: the helper did not connect within 1 s\n");
 }
 
 TEST(OperationRunner, GivesUpOnAHelperThatGivesNoResult) {
-    const TkAgentRun run = RunWithFakeHelper("run", "silent", kBrowse, {"--timeout", "1"});
+    const ProgramRun run = RunWithFakeHelper("run", "silent", kBrowse, {"--timeout", "1"});
     ExpectEnd(run, 5, std::string(kFakeOutput) + "tkagent: the helper gave no result within 1 s\n");
 }
 
 TEST(OperationRunner, ReportsAFrameOfAnotherProtocol) {
-    const TkAgentRun run = RunWithFakeHelper("run", "wrong_frame", kBrowse);
+    const ProgramRun run = RunWithFakeHelper("run", "wrong_frame", kBrowse);
     ExpectEnd(run, 6,
               std::string(kFakeOutput) + "tkagent: the helper sent something that is no result\n");
 }
 
 TEST(OperationRunner, ReportsAnUnknownResult) {
-    const TkAgentRun run = RunWithFakeHelper("run", "wrong_result", kBrowse);
+    const ProgramRun run = RunWithFakeHelper("run", "wrong_result", kBrowse);
     ExpectEnd(run, 6,
               std::string(kFakeOutput) + "tkagent: the helper sent something that is no result\n");
 }
