@@ -5,7 +5,7 @@ set -euo pipefail
 tkagent=$1
 page=$(sed 's/\\-/-/g' "$2")
 
-help=$("$tkagent" demo --help && "$tkagent" run --help)
+help=$("$tkagent" --help && "$tkagent" demo --help && "$tkagent" run --help)
 options=$(grep -o -e '--[a-z-]*' <<<"$help" | sort -u)
 statuses=$(sed -n 's/^  [0-9]  //p' <<<"$help" | sort -u)
 [ -n "$options" ] && [ -n "$statuses" ]

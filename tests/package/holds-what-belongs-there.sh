@@ -23,6 +23,10 @@ LIST
 cmp "$(dirname "$0")/../../resources/vpnui128.png" \
     "$folder/program/opt/velto/tunnelkeep/resources/vpnui128.png"
 
+version=$(dpkg-deb --field "$1"/tunnelkeep-webhelper_*.deb Version)
+zgrep -qF "\"Tunnelkeep ${version%-1}\"" "$folder/program/usr/share/man/man1/tkwebhelper.1.gz" ||
+    { echo "the manual page is not of $version" >&2; exit 1; }
+
 depends=$(dpkg-deb --field "$1"/tunnelkeep-webhelper_*.deb Depends)
 for needed in libwebkit2gtk libgtk-3-0 libboost-thread glib-networking ca-certificates; do
     [[ $depends == *"$needed"* ]] || { echo "no dependency on $needed: $depends" >&2; exit 1; }

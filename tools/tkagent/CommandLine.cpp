@@ -109,6 +109,7 @@ AgentStatus RunCommandLine(int argc, const char* const* argv, std::istream& inpu
     CommandLine values;
     values.helperPath = HelperBesideThisProgram();
     CLI::App app("A stand-in agent: starts the browser helper and speaks with it.", "tkagent");
+    app.set_version_flag("--version", "tkagent " TK_VERSION, "Print the version and exit");
     app.require_subcommand(1);
     app.footer(kExitStatuses);
     app.failure_message(OneLine);

@@ -47,6 +47,24 @@ TEST(CommandLine, HelpTellsTheExitStatuses) {
     EXPECT_EQ(run.errors, "");
 }
 
+TEST(CommandLine, EachCommandHasAHelpOfItsOwn) {
+    const ProgramRun demo = RunTkAgent({"demo", "--help"});
+    EXPECT_EQ(demo.end, "exited with status 0");
+    EXPECT_THAT(demo.output, HasSubstr("Usage: tkagent demo [OPTIONS]\n"));
+    EXPECT_THAT(demo.output, HasSubstr("  --unattended "));
+    const ProgramRun run = RunTkAgent({"run", "--help"});
+    EXPECT_EQ(run.end, "exited with status 0");
+    EXPECT_THAT(run.output, HasSubstr("Usage: tkagent run [OPTIONS]\n"));
+    EXPECT_THAT(run.output, HasSubstr("  --no-wait "));
+}
+
+TEST(CommandLine, TellsItsVersion) {
+    const ProgramRun run = RunTkAgent({"--version"});
+    EXPECT_EQ(run.end, "exited with status 0");
+    EXPECT_EQ(run.output, "tkagent " PROJECT_VERSION "\n");
+    EXPECT_EQ(run.errors, "");
+}
+
 TEST(CommandLine, LooksForTheHelperBesideItself) {
     const std::string program = TKAGENT_PATH;
     const ProgramRun run = RunTkAgent({"run", "--help"});
