@@ -33,7 +33,7 @@ run_cppcheck() {
     local checks=$1
     shift
     [ $# -gt 0 ] || return 0
-    cppcheck --quiet --project=build/lint/compile_commands.json "${@/#/--file-filter=$root/}" \
+    cppcheck --quiet --project=build/lint/compile_commands.json "${@/#/--file-filter=*}" \
         --enable="$checks" --library=gtk --library=posix --library=googletest \
         --inline-suppr --suppressions-list=.cppcheck-suppressions --error-exitcode=1 \
         -j "$(nproc)" || fail "$current_step"
@@ -84,10 +84,11 @@ check_with_clang_tidy() {
     rm -f "$log"
 }
 
-# Prints the joined sources of each library and program: their headers are read once.
+# Prints the joined sources of each library and program, and the few that cannot be joined. The
+# headers of joined sources are read once.
 joined_sources() {
     sed -n 's/^  "file": "\(.*\)",*$/\1/p' build/lint-joined/compile_commands.json |
-        grep -E "/build/lint-joined/($1)/" | sort -u
+        grep -E "^$root/(build/lint-joined/)?($1)/" | sort -u
 }
 
 case "${1:-}" in
