@@ -15,6 +15,8 @@ wrong_host='DNS:elsewhere.example'
 # key NAME
 key() {
     openssl genpkey -algorithm EC -pkeyopt ec_paramgen_curve:P-256 -out "$1.key" 2>/dev/null
+    # They guard nothing, and the tests may be run by another user than built them.
+    chmod a+r "$1.key"
 }
 
 # authority NAME

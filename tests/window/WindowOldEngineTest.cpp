@@ -8,7 +8,22 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using WindowOldEngineTest = OpenWindowTest;
+class WindowOldEngineTest : public OpenWindowTest {
+protected:
+    ~WindowOldEngineTest() override { s_linesBefore = LinesOfTheProcess(); }
+
+    /// The log of this case behind that of the cases before it.
+    [[nodiscard]] std::vector<std::string> LinesOfTheProcess() const {
+        std::vector<std::string> lines = s_linesBefore;
+        for (std::string& line : LogLines()) {
+            lines.push_back(std::move(line));
+        }
+        return lines;
+    }
+
+private:
+    static inline std::vector<std::string> s_linesBefore;
+};
 
 }  // namespace
 
@@ -28,7 +43,7 @@ TEST_F(WindowOldEngineTest, FindsACookieInAHeader) {
     EXPECT_THAT(Results(), ElementsAre("success_with_cookie abc"));
 }
 
-TEST_F(WindowOldEngineTest, FailsEveryCookieQueryAndWarnsOnce) {
+TEST_F(WindowOldEngineTest, FailsEveryCookieQueryAndWarnsOnceInAProcess) {
     m_server.Serve("/page", {200, "hello", "text/html", {{"Set-Cookie", "sid=abc"}}});
     const std::string url = m_server.Url("/page");
     Send(Operation::BrowseForCookie(url, url, "sid"));
@@ -36,6 +51,6 @@ TEST_F(WindowOldEngineTest, FailsEveryCookieQueryAndWarnsOnce) {
     Send(Operation::BrowseForCookie(url, url, "sid"));
     ASSERT_TRUE(WaitForResults(2));
     EXPECT_THAT(Results(), ElementsAre("error_cookie", "error_cookie"));
-    EXPECT_THAT(LogLines(),
+    EXPECT_THAT(LinesOfTheProcess(),
                 ElementsAre("W Symbol webkit_cookie_manager_get_cookies_finish not found."));
 }
