@@ -13,15 +13,16 @@ function(tk_add_test_headers name)
     target_link_libraries(${name} PRIVATE tk_options ${set_LINKS})
 endfunction()
 
-# tk_add_suite(<name> SOURCES <files> LINKS <targets> [HEADERS <target>] [TIMEOUT <seconds>]
-#     [PROPERTIES <of its tests>])
+# tk_add_suite(<name> SOURCES <files> LINKS <targets> [HEADERS <target>] [PARTS <number>]
+#     [TIMEOUT <seconds>] [PROPERTIES <of its tests>])
 #
-# One GoogleTest program, <name>, whose cases ctest runs one by one, so that they can run in
-# parallel and in any order. A suite links exactly the library that it tests, and test support.
-# GoogleTest's own main() is there for a suite that has none. HEADERS names other precompiled headers
-# than GoogleTest's.
+# One GoogleTest program, <name>. ctest runs its cases one by one, so that they can run in parallel
+# and in any order. With PARTS it runs them in as many processes: that is for suites whose process is
+# expensive to start. A suite links exactly the library that it tests, and test support. GoogleTest's
+# own main() is used if the suite has none. HEADERS names other precompiled headers than
+# GoogleTest's.
 function(tk_add_suite name)
-    cmake_parse_arguments(suite "" "HEADERS;TIMEOUT" "SOURCES;LINKS;PROPERTIES" ${ARGN})
+    cmake_parse_arguments(suite "" "HEADERS;PARTS;TIMEOUT" "SOURCES;LINKS;PROPERTIES" ${ARGN})
     if(NOT suite_HEADERS)
         set(suite_HEADERS tk_test_headers)
     endif()
@@ -33,9 +34,26 @@ function(tk_add_suite name)
     target_include_directories(${name} PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}")
     target_precompile_headers(${name} REUSE_FROM ${suite_HEADERS})
     target_link_libraries(${name} PRIVATE tk_options ${suite_LINKS} GTest::gmock_main)
+    if(suite_PARTS)
+        tk_add_suite_parts(${name} ${suite_PARTS} ${suite_PROPERTIES})
+        return()
+    endif()
     gtest_discover_tests(${name}
         TEST_PREFIX "${name}."
         DISCOVERY_MODE PRE_TEST
         PROPERTIES TIMEOUT ${suite_TIMEOUT} ENVIRONMENT "G_DEBUG=fatal-criticals"
                    ${suite_PROPERTIES})
+endfunction()
+
+# tk_add_suite_parts(<name> <parts> [<properties>]): GoogleTest deals the cases out to the parts.
+function(tk_add_suite_parts name parts)
+    foreach(part RANGE 1 ${parts})
+        math(EXPR index "${part} - 1")
+        set(test ${name}.part_${part}_of_${parts})
+        add_test(NAME ${test} COMMAND ${name} --gtest_brief=1)
+        set_tests_properties(${test} PROPERTIES
+            TIMEOUT 600
+            ENVIRONMENT "G_DEBUG=fatal-criticals;GTEST_TOTAL_SHARDS=${parts};GTEST_SHARD_INDEX=${index}"
+            ${ARGN})
+    endforeach()
 endfunction()

@@ -11,10 +11,11 @@ samples="$root/build/soak.csv"
 plot="$root/build/soak.svg"
 
 "$root/scripts/install-deps.sh" --tests || exit 1
-build release e2e_soak_tests
+build release e2e_tests
 step "Soak for $seconds seconds"
 (cd "$root/build/release/tests" &&
-    G_DEBUG=fatal-criticals TK_SOAK_SECONDS=$seconds TK_SOAK_SAMPLES=$samples ./e2e_soak_tests) ||
+    G_DEBUG=fatal-criticals TK_SOAK_SECONDS=$seconds TK_SOAK_SAMPLES=$samples ./e2e_tests \
+        --gtest_filter='Soak.*') ||
     fail "$current_step"
 if command -v gnuplot >/dev/null; then
     "$root/scripts/draw-soak.sh" "$samples" "$plot" || fail "drawing"

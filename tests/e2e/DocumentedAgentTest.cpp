@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "HelperProgram.h"
 #include "HttpServer.h"
 #include "ProgramRun.h"
 #include "TemporaryFolder.h"
@@ -36,9 +37,9 @@ TEST(DocumentedAgent, StartsTheProgramAndPrintsItsResults) {
     const TemporaryFolder folder;
     WriteFile(folder.Path("agent.py"),
               Between("```python\n", "```\n", ReadFile(TK_PROTOCOL_DOCUMENT)));
-    EXPECT_EQ(OutputOf({"/usr/bin/python3", folder.Path("agent.py"), TKWEBHELPER_PATH,
-                        server.Url("/page")}),
-              "ready\nsuccess\n");
+    EXPECT_EQ(
+        OutputOf({"/usr/bin/python3", folder.Path("agent.py"), HelperPath(), server.Url("/page")}),
+        "ready\nsuccess\n");
 }
 
 TEST(ManualPageOfTkagent, ShowsWhatItsExamplePrints) {
@@ -49,7 +50,7 @@ TEST(ManualPageOfTkagent, ShowsWhatItsExamplePrints) {
         command.replace(at, quote.size(), "'");
     }
     ASSERT_EQ(command, R"(echo '{"operation":"reset"}' | tkagent run)");
-    const std::string programs = std::filesystem::path(TKWEBHELPER_PATH).parent_path();
+    const std::string programs = std::filesystem::path(HelperPath()).parent_path();
     EXPECT_EQ(OutputOf({"/bin/sh", "-c", "PATH=" + programs + ":$PATH; " + command}),
               example.substr(example.find('\n') + 1));
 }

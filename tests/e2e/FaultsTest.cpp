@@ -11,6 +11,7 @@
 
 #include "Catalogs.h"
 #include "FaultyWorld.h"
+#include "HelperProgram.h"
 #include "HelperTest.h"
 #include "ProcessFamily.h"
 #include "UniqueFd.h"
@@ -130,7 +131,7 @@ TEST_F(Faults, AnErrorStreamThatNobodyReadsIsNoBrokenPipe) {
     const CUniqueFd writing(ends[1]);
     close(ends[0]);
     LaunchCommand command;
-    command.arguments = {TKWEBHELPER_PATH, AgentPort()};
+    command.arguments = {HelperPath(), AgentPort()};
     // The toolkit complains of it, there.
     command.environment = {{"DISPLAY", std::nullopt}};
     command.error = writing.Get();
@@ -155,8 +156,6 @@ namespace {
 /// The suite's files are not what they should be.
 class FaultyInstallation : public Faults {
 protected:
-    ~FaultyInstallation() override { fs::remove_all("/opt/velto"); }
-
     void ExpectUndisturbedSession(const Environment& environment = {}) {
         ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady(environment));
         EXPECT_EQ(m_screen.Title(ShowWaitingPage()), "Velto Tunnelkeep Login");
@@ -239,7 +238,7 @@ TEST_P(FewDescriptorsAtStart, EndTheProgramOrLetItWork) {
     LaunchCommand command;
     command.arguments = {"/bin/sh", "-c",
                          "ulimit -n " + std::to_string(GetParam()) + " && exec \"$0\" \"$1\"",
-                         TKWEBHELPER_PATH, AgentPort()};
+                         HelperPath(), AgentPort()};
     std::string reason;
     ASSERT_TRUE(m_helper.Start(command, reason)) << reason;
     const auto first =

@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
@@ -19,19 +18,14 @@ using testing::ElementsAre;
 
 class FaultyStore : public HelperTest {
 protected:
-    FaultyStore() {
-        fs::remove_all(Folder());
-        fs::create_directory(Folder());
-    }
-    ~FaultyStore() override { fs::remove_all(Folder()); }
+    FaultyStore() { fs::create_directory(DataFolder()); }
 
-    static std::string Folder() { return std::getenv("HOME") + std::string("/.velto"); }
-    static std::string Store() { return Folder() + "/" + kCookieStore; }
+    static std::string Store() { return DataFolder() + "/" + kCookieStore; }
 
     /// The store stands elsewhere.
     static void MoveFolderTo(const std::string& folder) {
-        fs::remove_all(Folder());
-        fs::create_directory_symlink(folder, Folder());
+        fs::remove_all(DataFolder());
+        fs::create_directory_symlink(folder, DataFolder());
     }
 
     /// The page is not the final one: its cookie is reported before it is finished, and that event

@@ -1,8 +1,10 @@
 #include "HelperTest.h"
 
 #include <cstdlib>
+#include <filesystem>
 #include <sstream>
 
+#include "HelperProgram.h"
 #include "SystemLogLine.h"
 #include "TemporaryFolder.h"
 #include "WaitUntil.h"
@@ -63,13 +65,19 @@ std::string OperationText(const std::vector<std::pair<std::string, std::string>>
 }
 
 HelperTest::HelperTest() : m_screen(std::getenv("DISPLAY")) {
+    std::filesystem::remove_all("/opt/velto");
+    std::filesystem::remove_all(DataFolder());
     std::string reason;
     EXPECT_TRUE(m_agent.Listen(reason)) << reason;
 }
 
+std::string HelperTest::DataFolder() {
+    return std::getenv("HOME") + std::string("/.velto");
+}
+
 void HelperTest::Launch(const std::vector<std::string>& arguments, const Environment& environment) {
     LaunchCommand command;
-    command.arguments = {TKWEBHELPER_PATH};
+    command.arguments = {HelperPath()};
     command.arguments.insert(command.arguments.end(), arguments.begin(), arguments.end());
     command.environment = environment;
     command.error = m_errorStream;

@@ -27,7 +27,11 @@ protected:
     /// Changes to the program's environment; nothing as a value removes the variable.
     using Environment = std::map<std::string, std::optional<std::string>>;
 
+    /// Removes what the case before left in the installation and in the data folder.
     HelperTest();
+
+    /// Where the program keeps the cookies.
+    [[nodiscard]] static std::string DataFolder();
 
     /// Starts the program with these arguments.
     void Launch(const std::vector<std::string>& arguments, const Environment& environment = {});

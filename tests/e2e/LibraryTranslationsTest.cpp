@@ -1,10 +1,10 @@
 // Texts of the toolkit and the engine, which the program translates too.
 
-#include <filesystem>
 #include <set>
 #include <sstream>
 
 #include "Catalogs.h"
+#include "HelperProgram.h"
 #include "HelperTest.h"
 #include "TemporaryFolder.h"
 
@@ -21,7 +21,7 @@ protected:
                     {"LD_DEBUG_OUTPUT", folder.Path("linker")}});
         EXPECT_EQ(AwaitEnd(), "exited with status 1");
         std::istringstream lines(ReadFile(folder.Path("linker." + std::to_string(m_helper.Pid()))));
-        const std::string target = "] to " TKWEBHELPER_PATH " [0]: normal symbol `";
+        const std::string target = "] to " + HelperPath() + " [0]: normal symbol `";
         std::set<std::string> found;
         for (std::string line; std::getline(lines, line);) {
             const std::size_t position = line.find(target);
@@ -33,8 +33,6 @@ protected:
         }
         return found;
     }
-
-    ~LibraryTranslations() override { std::filesystem::remove_all("/opt/velto"); }
 
     /// Shows a page that is one button for choosing a file, and waits until it can be clicked.
     XWindow ShowFileButton() {
@@ -71,7 +69,7 @@ TEST_F(LibraryTranslations, TheToolkitsFunctionsAreTheProgramsOwn) {
 TEST_F(LibraryTranslations, ATextOfTheEngineIsLookedUpByTheProgram) {
     // Only the program looks for a territory in lower case; the C library would find nothing.
     CompileCatalog(
-        CatalogPath("/usr/share/locale", "de-de", TK_ENGINE_DOMAIN),
+        CatalogPath("/usr/share/locale", "de-de", "WebKitGTK-" + EngineApi()),
         CatalogSource("utf-8", "msgid \"Select File\"\nmsgstr \"Eine Datei w\xC3\xA4hlen\""));
     // GLib translates its callers' texts only for a program that is itself translated.
     CompileCatalog(CatalogPath("/opt/velto/tunnelkeep/l10n", "de-de", "tkdownloader-gtk"),

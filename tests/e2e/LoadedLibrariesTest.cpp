@@ -6,6 +6,7 @@
 #include <set>
 #include <string>
 
+#include "HelperProgram.h"
 #include "HelperTest.h"
 #include "ProcessFamily.h"
 #include "VirtualDisplay.h"
@@ -56,12 +57,12 @@ protected:
 // The engine gives up in a process that holds both generations of the library.
 TEST_F(LoadedLibraries, HaveOneGenerationOfTheHttpLibrary) {
     ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
-    EXPECT_THAT(Libraries("libsoup-"), ElementsAre(TK_SOUP_LIBRARY));
+    EXPECT_THAT(Libraries("libsoup-"), ElementsAre(SoupLibrary()));
     // Media make the engine load whatever can play them.
     m_server.ServePage("/media", "<video src='/film.webm' autoplay></video><audio src='/a.ogg'>");
     BrowseTo("/media");
     EXPECT_EQ(NextResult(), "success");
-    EXPECT_THAT(Libraries("libsoup-"), ElementsAre(TK_SOUP_LIBRARY));
+    EXPECT_THAT(Libraries("libsoup-"), ElementsAre(SoupLibrary()));
     EXPECT_EQ(Terminate(), "exited with status 0");
 }
 

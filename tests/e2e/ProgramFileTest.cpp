@@ -26,7 +26,7 @@ using Lines = std::vector<std::string>;
 
 /// What a tool prints about the program.
 Lines LinesOf(const std::string& tool) {
-    const std::string command = tool + " " TKWEBHELPER_PATH;
+    const std::string command = tool + " " + HelperPath();
     Lines lines;
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> output(popen(command.c_str(), "r"),
                                                                  pclose);

@@ -3,7 +3,7 @@
 
 #include <cstdlib>
 
-#include "EngineApi.h"
+#include "HelperProgram.h"
 #include "HelperTest.h"
 #include "TemporaryFolder.h"
 
@@ -97,7 +97,8 @@ TEST_F(Proxy, OfTheDesktopsSettingsIsAskedForATunnelToASecurePage) {
 
 TEST_F(Proxy, ThatWantsAPasswordGetsTheOneOfItsAddressWhereTheEngineTakesIt) {
     AskForAPassword();
-    EXPECT_EQ(Load(kPage, {{"http_proxy", Address("user:secret@")}}), kResultWithPasswordInAddress);
+    EXPECT_EQ(Load(kPage, {{"http_proxy", Address("user:secret@")}}),
+              ResultWithPasswordInAddress());
 }
 
 TEST_F(Proxy, ThatWantsAPasswordGetsNoneWhereNobodySeesTheQuestion) {

@@ -1,7 +1,7 @@
 // Operations that come before the one before has its result: the later one takes its place.
 
 #include "Certificates.h"
-#include "EngineApi.h"
+#include "HelperProgram.h"
 #include "HelperTest.h"
 #include "JsonIpcFrame.h"
 #include "LoopbackPeer.h"
@@ -197,7 +197,7 @@ TEST_F(Replacement, WhilePagesLoadTheNextOperationsFailuresCount) {
     ASSERT_TRUE(m_server.WaitForRequest("/hang3"));
     Send(Browse("/missing"));
     ExpectLastResults({"error_navi"});
-    ExpectLogLines({"E Failed to load page: " + std::string(kRefusedText) + ", URI = " + refused,
+    ExpectLogLines({"E Failed to load page: " + RefusedText() + ", URI = " + refused,
                     "E Failed to load page: The certificate has expired. ",
                     "E HTTP ERROR CODE = 404, URL = " + m_server.Url("/missing")});
 }

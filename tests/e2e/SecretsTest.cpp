@@ -20,14 +20,6 @@ using testing::StartsWith;
 
 constexpr fs::perms kOthers = fs::perms::group_all | fs::perms::others_all;
 
-std::string Home() {
-    return std::getenv("HOME");
-}
-
-std::string CookieFile() {
-    return Home() + "/.velto/tkwebhelper.cookies.sqlite";
-}
-
 /// Everything below a folder, itself included, that others than its owner may do something with.
 std::vector<std::string> OpenToOthers(const std::string& folder) {
     std::vector<std::string> paths;
@@ -58,7 +50,7 @@ std::string CoreLimitOf(pid_t process) {
 
 class Secrets : public HelperTest {
 protected:
-    ~Secrets() override { fs::remove_all(Home() + "/.velto"); }
+    static std::string CookieFile() { return DataFolder() + "/tkwebhelper.cookies.sqlite"; }
 
     /// Starts the program as a user does whose new files are open to everybody.
     void LaunchLax() {
@@ -86,11 +78,11 @@ TEST_F(Secrets, TheCookieStoreIsItsOwnersAloneWhateverTheUsersMask) {
     EXPECT_EQ(NextResult(), "success_with_cookie secret");
     EXPECT_TRUE(PollUntil([] { return fs::exists(CookieFile()); }));
     EXPECT_EQ(Terminate(), "exited with status 0");
-    EXPECT_THAT(OpenToOthers(Home() + "/.velto"), IsEmpty());
+    EXPECT_THAT(OpenToOthers(DataFolder()), IsEmpty());
 }
 
 TEST_F(Secrets, ACookieStoreOfOldBecomesItsOwnersAlone) {
-    fs::create_directories(Home() + "/.velto");
+    fs::create_directories(DataFolder());
     std::ofstream(CookieFile()).close();
     fs::permissions(CookieFile(), fs::perms(0644));
     ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());

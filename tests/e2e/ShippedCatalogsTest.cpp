@@ -25,7 +25,6 @@ protected:
         fs::create_directories("/opt/velto/tunnelkeep");
         fs::create_directory_symlink(TK_BUILT_CATALOGS, "/opt/velto/tunnelkeep/l10n");
     }
-    ~ShippedCatalogs() override { fs::remove_all("/opt/velto"); }
 };
 
 const Translation kTranslations[] = {

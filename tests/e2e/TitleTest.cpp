@@ -12,8 +12,6 @@ constexpr const char* kGerman = "Velto Tunnelkeep \xE2\x80\x93 Anmeldung f\xC3\x
 
 class Title : public HelperTest {
 protected:
-    ~Title() override { std::filesystem::remove_all("/opt/velto"); }
-
     static void Install(const std::string& locale, const std::string& translation = kGerman,
                         CatalogByteOrder byteOrder = CatalogByteOrder::Little) {
         const std::string entry =

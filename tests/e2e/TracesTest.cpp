@@ -17,10 +17,6 @@ namespace fs = std::filesystem;
 using testing::ElementsAre;
 
 /// The user's home as the test's private world has it.
-std::string Home() {
-    return std::getenv("HOME");
-}
-
 /// The sockets that a process holds, as "socket:[inode]".
 std::set<std::string> SocketsOf(pid_t process) {
     std::set<std::string> sockets;
@@ -56,8 +52,6 @@ std::string SocketConnectedTo(std::uint16_t port) {
 class Traces : public HelperTest {
 protected:
     void SetUp() override { ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady()); }
-
-    ~Traces() override { fs::remove_all(Home() + "/.velto"); }
 
     void BrowseForCookie() {
         Send(OperationText({{"operation", "browse_for_cookie"},
@@ -111,7 +105,7 @@ TEST_F(Traces, AnExpiringCookieIsKeptInTheUsersStore) {
                    {200, "", "text/html", {{"Set-Cookie", "sid=kept; Path=/; Max-Age=3600"}}});
     BrowseForCookie();
     EXPECT_EQ(NextResult(), "success_with_cookie kept");
-    const std::string store = Home() + "/.velto/tkwebhelper.cookies.sqlite";
+    const std::string store = DataFolder() + "/tkwebhelper.cookies.sqlite";
     EXPECT_TRUE(PollUntil(
         [&] { return fs::exists(store) && ReadFile(store).find("sidkept") != std::string::npos; }));
     EXPECT_EQ(Terminate(), "exited with status 0");
@@ -122,8 +116,7 @@ namespace {
 
 class UnusableHome : public HelperTest {
 protected:
-    void SetUp() override { WriteFile(Home() + "/.velto", "a file where the folder should be"); }
-    ~UnusableHome() override { fs::remove(Home() + "/.velto"); }
+    UnusableHome() { WriteFile(DataFolder(), "a file where the folder should be"); }
 };
 
 }  // namespace
@@ -138,5 +131,5 @@ TEST_F(UnusableHome, IsAWarningAndCookiesLiveInMemory) {
                         {"cookie_name", "sid"}}));
     EXPECT_EQ(NextResult(), "success_with_cookie abc");
     EXPECT_THAT(LogLines(),
-                testing::Contains("W Unable to create data directory " + Home() + "/.velto/"));
+                testing::Contains("W Unable to create data directory " + DataFolder() + "/"));
 }

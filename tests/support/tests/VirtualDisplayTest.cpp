@@ -12,9 +12,9 @@
 namespace {
 
 /// A client of one server. When that ends its number is free, and another may have it at once.
-class Client {
+class DisplayClient {
 public:
-    explicit Client(const std::string& display)
+    explicit DisplayClient(const std::string& display)
         : m_connection(xcb_connect(display.c_str(), nullptr), xcb_disconnect) {}
 
     bool IsConnected() const { return xcb_connection_has_error(m_connection.get()) == 0; }
@@ -59,7 +59,7 @@ TEST(VirtualDisplayTest, EndsWithAProcessThatIsKilled) {
     }
     close(ends[0]);
     close(ends[1]);
-    const Client client(name);
+    const DisplayClient client(name);
     EXPECT_TRUE(client.IsConnected());
     kill(child, SIGKILL);
     ASSERT_EQ(waitpid(child, nullptr, 0), child);

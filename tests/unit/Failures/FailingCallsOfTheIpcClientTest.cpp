@@ -30,9 +30,9 @@ std::string Frame(const std::string& payload) {
     return frame + payload;
 }
 
-const std::string kOperation =
+const std::string kOperationFrame =
     Frame(R"({"operation":"browse","url":"https://vpn.example.com/login"})");
-const std::string kResult =
+const std::string kResultFrame =
     Frame("{\"result\":\"success_with_cookie\",\"cookie_value\":\"a-value-of-the-cookie\"}\n");
 
 /// What the client told its user, how often.
@@ -110,8 +110,8 @@ private:
         const SparedCalls spared;
         try {
             const LoopbackConnection client = m_listener.Accept();
-            client.Send(kOperation);
-            m_received = client.Receive(2 * kResult.size());
+            client.Send(kOperationFrame);
+            m_received = client.Receive(2 * kResultFrame.size());
         } catch (const std::system_error&) {
             // The client went before it got the operation.
         }
@@ -161,8 +161,8 @@ void ExpectOneOutcome(const Outcome& outcome, const Told& told, const std::strin
     // What was sent is sent once and for all, but the connection may end behind it.
     EXPECT_TRUE(told.sent == 0 || (told.Errors() == told.receiveErrors && !isRefused));
     EXPECT_LE(told.sent, 1);
-    EXPECT_THAT(received, AnyOf(Eq(""), Eq(kResult)));
-    EXPECT_TRUE(told.sent == 0 || received == kResult);
+    EXPECT_THAT(received, AnyOf(Eq(""), Eq(kResultFrame)));
+    EXPECT_TRUE(told.sent == 0 || received == kResultFrame);
     if (told.Errors() > 0 || isRefused) {
         EXPECT_THAT(log, Contains(StartsWith("E ")));
     }

@@ -13,8 +13,6 @@ constexpr const char* kCannotWaitLine =
     "E Caught io service thread exception - boost thread: trying joining itself: Resource "
     "deadlock avoided";
 
-const std::string kEmptyFrame(9, '\0');
-
 using JSONIPCClientEnd = JSONIPCClientFixture;
 
 TEST_F(JSONIPCClientEnd, EndsBeforeTheGateOpens) {

@@ -11,6 +11,9 @@
 #include "LoopbackPeer.h"
 #include "RecordingClient.h"
 
+/// A header that announces no payload.
+inline const std::string kEmptyFrame(9, '\0');
+
 /// A client, and the test in the agent's place.
 class JSONIPCClientFixture : public ::testing::Test {
 protected:

@@ -11,8 +11,6 @@ namespace {
 
 using JSONIPCClientSend = JSONIPCClientFixture;
 
-const std::string kEmptyFrame(9, '\0');
-
 // More than small buffers take, and than one write of the transport writes.
 constexpr std::size_t kMuch = 1U << 20;
 
