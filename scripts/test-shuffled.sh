@@ -1,6 +1,6 @@
 #!/bin/bash
-# Runs every test program of the release build whole, its cases in a random order. ctest runs each
-# case in a process of its own; this shows what one case leaves behind for another.
+# Runs every test program of the release build whole, its cases in a random order. ctest runs most
+# cases in a process of their own; this shows what one case leaves behind for another.
 #
 #   scripts/test-shuffled.sh            once each
 #   scripts/test-shuffled.sh ROUNDS     so often each, with another seed each time

@@ -12,11 +12,9 @@ run_suites fuzz
 # All that differs between the engine's two APIs goes through these suites.
 build release-4.1 tkwebhelper page_rules_tests window_cookie_header_tests
 run_suites release-4.1 --tests-regex '^(page_rules|window_cookie_header)_tests\.'
-step "Tests (the program of release-4.1)"
-G_DEBUG=fatal-criticals TK_HELPER="$root/build/release-4.1/bin/tkwebhelper" \
-    "$root/build/release/tests/e2e_tests" --gtest_brief=1 \
-    --gtest_filter='LoadedLibraries.*:Operations.*:Proxy.*:Replacement.*' ||
-    fail "$current_step"
+TK_HELPER="$root/build/release-4.1/bin/tkwebhelper" \
+    GTEST_FILTER='LoadedLibraries.*:Operations.*:Proxy.*:Replacement.*' \
+    run_suites release --tests-regex '^e2e_tests\.'
 "$root/scripts/check-documents.sh"
 # ctest has the last word.
 run_suites release

@@ -2,7 +2,7 @@
 
 #include <syslog.h>
 
-#include <regex>
+#include "RegularExpression.h"
 
 namespace {
 
@@ -22,16 +22,18 @@ char LevelOf(int priority) {
 }  // namespace
 
 SystemLogLine ParseSystemLogLine(const SystemLogRecord& record) {
-    static const std::regex kRecord(R"(Function: (\S+) File: (\S+) Line: \d+ ([^]*))");
-    static const std::regex kFailedCall(
-        R"(Invoked Function: (\S+) Return Code: -?\d+ \((0x[0-9A-F]{8})\) Description: \S+ )");
-    std::smatch parts;
-    if (!std::regex_match(record.text, parts, kRecord)) {
+    const auto parts =
+        MatchedGroups(record.text, "^Function: (\\S+) File: (\\S+) Line: [0-9]+ (.*)$");
+    if (parts.empty()) {
         return {'?', "", "", record.raw};
     }
     SystemLogLine line{LevelOf(record.priority), parts[1], parts[2], parts[3]};
-    if (std::smatch call; std::regex_match(line.message, call, kFailedCall)) {
-        line.message = call[1].str() + " returned " + call[2].str();
+    const auto call =
+        MatchedGroups(line.message,
+                      "^Invoked Function: (\\S+) Return Code: -?[0-9]+ \\((0x[0-9A-F]{8})\\) "
+                      "Description: \\S+ $");
+    if (!call.empty()) {
+        line.message = call[1] + " returned " + call[2];
     }
     return line;
 }

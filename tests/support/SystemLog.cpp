@@ -8,9 +8,9 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <regex>
 #include <system_error>
 
+#include "RegularExpression.h"
 #include "TestDeadline.h"
 
 namespace {
@@ -37,19 +37,20 @@ CUniqueFd BindTo(const std::string& path) {
 
 // "<27>Jan  2 03:04:05 identity[123]: text", where all but the priority may be missing.
 SystemLogRecord Parse(const std::string& line) {
-    static const std::regex kHead(
-        R"(<(\d+)>(?:[A-Z][a-z]{2} [ \d]\d \d\d:\d\d:\d\d )?(?:([^\s:\[]+)(?:\[(\d+)\])?: )?)");
+    const std::vector<std::string> parts =
+        MatchedGroups(line,
+                      "^<([0-9]+)>([A-Z][a-z]{2} [ 0-9][0-9] [0-9]{2}:[0-9]{2}:[0-9]{2} )?"
+                      "(([^[:space:]:[]+)(\\[([0-9]+)\\])?: )?");
     SystemLogRecord record;
     record.raw = line;
-    std::smatch head;
-    if (!std::regex_search(line, head, kHead, std::regex_constants::match_continuous)) {
+    if (parts.empty()) {
         record.text = line;
         return record;
     }
-    record.priority = std::stoi(head[1]);
-    record.identity = head[2];
-    record.pid = head[3].matched ? std::stoi(head[3]) : 0;
-    record.text = head.suffix();
+    record.priority = std::stoi(parts[1]);
+    record.identity = parts[4];
+    record.pid = parts[6].empty() ? 0 : std::stoi(parts[6]);
+    record.text = line.substr(parts[0].size());
     return record;
 }
 
