@@ -30,6 +30,11 @@ std::string TextOf(ReceiveOutcome outcome, const CBrowserResult& result) {
     return ResultTypeNames.at(result.GetResultType()) + (value.empty() ? "" : " " + value);
 }
 
+bool IsRepeatOfCancelledLoad(const SystemLogLine& line) {
+    return EngineCancelsLoads() &&
+           line.message.rfind("The engine lost a load, URI = https:", 0) == 0;
+}
+
 bool IsOfMessageCatalog(const SystemLogLine& line) {
     return line.file.find("/i18n/") != std::string::npos;
 }
@@ -179,7 +184,7 @@ std::vector<std::string> HelperTest::LogLines() {
     for (const SystemLogRecord& record : m_log.Records()) {
         const SystemLogLine line = ParseSystemLogLine(record);
         if (record.identity == kIdentity && record.pid == m_helper.Pid() &&
-            !IsOfMessageCatalog(line)) {
+            !IsOfMessageCatalog(line) && !IsRepeatOfCancelledLoad(line)) {
             lines.push_back(line.level + (" " + line.message));
         }
     }

@@ -71,7 +71,8 @@ protected:
 
     /// The program's log records so far, in order, as "E message" or, for a failed call,
     /// "E function returned 0xFE000002"; without the two records of the message catalogue, which
-    /// come from another thread than the connection's.
+    /// come from another thread than the connection's. Where the engine cancels loads by itself,
+    /// without their repeats as well: how often that happens is chance.
     [[nodiscard]] std::vector<std::string> LogLines();
 
     [[nodiscard]] std::string AgentPort() const { return std::to_string(m_agent.Port()); }
