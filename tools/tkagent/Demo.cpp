@@ -87,12 +87,10 @@ AgentStatus CDemo::awaitReady() {
 }
 
 AgentStatus CDemo::signIn() {
-    const CBrowserOperation operation = SignInOperation(m_site);
-    AgentStatus status = checked(m_session.Send(operation));
+    AgentStatus status = send(SignInOperation(m_site));
     if (status != AgentStatus::Success) {
         return status;
     }
-    m_output.Line("agent    " + JsonOf(operation));
     if (m_options.mode == SignInMode::Person) {
         m_output.Line("agent    waits for you to sign in, in the helper's window");
     }
@@ -108,11 +106,15 @@ AgentStatus CDemo::signIn() {
                       : fail(AgentStatus::NoCookie, "the sign-in ended without its cookie");
 }
 
+AgentStatus CDemo::send(const CBrowserOperation& operation) {
+    // Told first, because the site may tell of the page as soon as the helper has the operation.
+    m_output.Line("agent    " + JsonOf(operation));
+    return checked(m_session.Send(operation));
+}
+
 AgentStatus CDemo::finish() {
-    const CBrowserOperation operation = TerminateOperation();
-    AgentStatus status = checked(m_session.Send(operation));
+    AgentStatus status = send(TerminateOperation());
     if (status == AgentStatus::Success) {
-        m_output.Line("agent    " + JsonOf(operation));
         status = checked(m_session.Finish());
     }
     m_output.Line(status == AgentStatus::Success ? "helper   exited with status 0"

@@ -34,6 +34,7 @@ private:
     [[nodiscard]] AgentStatus start();
     [[nodiscard]] AgentStatus awaitReady();
     [[nodiscard]] AgentStatus signIn();
+    [[nodiscard]] AgentStatus send(const CBrowserOperation& operation);
     [[nodiscard]] AgentStatus finish();
     void atForm();
     [[nodiscard]] AgentStatus checked(AgentStatus status);
