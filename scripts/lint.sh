@@ -99,6 +99,8 @@ case "${1:-}" in
         check_format "${files[@]}"
         check_with_cppcheck "${files[@]}"
         describe_build build/lint-joined -DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=0
+        # clang-tidy looks for its configuration above the joined source.
+        cp tests/.clang-tidy build/lint-joined/tests/
         mapfile -t joined < <(joined_sources "vpn|tools${1:+|tests}")
         check_with_clang_tidy build/lint-joined "${joined[@]}"
         ;;

@@ -22,16 +22,18 @@ const std::string kLong(700, 'x');
 class FailingCallsOfTheLog : public testing::Test {
 protected:
     bool WriteOnce(Call kind, std::size_t number) {
-        const bool hasFailed = WhileFailing(kind, number, [&] {
-            ResultCode result = 1;
-            const CAppLog log(result, "tkwebhelper", nullptr);
-            EXPECT_EQ(result, kSuccess);
-            TK_LOG_ERROR("first line\nsecond line %s", kLong.c_str());
-            TK_LOG_FAILED_CALL("Invoked", 13);
-        });
+        const bool hasFailed = WhileFailing(kind, number, WriteTwoRecords);
         ExpectLines(hasFailed);
         m_systemLog.Clear();
         return hasFailed;
+    }
+
+    static void WriteTwoRecords() {
+        ResultCode result = 1;
+        const CAppLog log(result, "tkwebhelper", nullptr);
+        EXPECT_EQ(result, kSuccess);
+        TK_LOG_ERROR("first line\nsecond line %s", kLong.c_str());
+        TK_LOG_FAILED_CALL("Invoked", 13);
     }
 
     void ExpectLines(bool hasFailed) {

@@ -23,7 +23,7 @@ class JsonIpcSendQueue : public testing::Test {
 protected:
     /// Adds a message whose write starts at once.
     CJsonIpcSendQueue::Send StartMessage() {
-        const auto message = Message();
+        auto message = Message();
         m_queue.Add(message);
         EXPECT_EQ(m_queue.Start(), message);
         return message;
