@@ -98,7 +98,7 @@ case "${1:-}" in
         mapfile -t files < <(sources '*.h' '*.cpp')
         check_format "${files[@]}"
         check_with_cppcheck "${files[@]}"
-        describe_build build/lint-joined -DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=0
+        describe_build build/lint-joined -DCMAKE_UNITY_BUILD=ON
         # clang-tidy looks for its configuration above the joined source.
         cp tests/.clang-tidy build/lint-joined/tests/
         mapfile -t joined < <(joined_sources "vpn|tools${1:+|tests}")

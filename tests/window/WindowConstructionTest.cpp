@@ -198,6 +198,7 @@ TEST_F(WindowConstructionTest, HasATranslatedTitle) {
         CatalogSource("UTF-8",
                       "msgid \"Velto Tunnelkeep Login\"\nmsgstr \"Anmeldung über Velto\""));
     setenv("LC_ALL", "C.UTF-8", 1);
+    std::setlocale(LC_ALL, "");
     MsgCatalog::unloadCatalog();
     MsgCatalog::resetCatalog();
     Open();
