@@ -14,7 +14,7 @@ function(tk_add_test_headers name)
 endfunction()
 
 # tk_add_suite(<name> SOURCES <files> LINKS <targets> [HEADERS <target>] [PARTS <number>]
-#     [TIMEOUT <seconds>] [PROPERTIES <of its tests>])
+#     [PROPERTIES <of its tests, if it has no parts>])
 #
 # One GoogleTest program, <name>. ctest runs its cases one by one, so that they can run in parallel
 # and in any order. With PARTS it runs them in as many processes: that is for suites whose process is
@@ -22,12 +22,9 @@ endfunction()
 # own main() is used if the suite has none. HEADERS names other precompiled headers than
 # GoogleTest's.
 function(tk_add_suite name)
-    cmake_parse_arguments(suite "" "HEADERS;PARTS;TIMEOUT" "SOURCES;LINKS;PROPERTIES" ${ARGN})
+    cmake_parse_arguments(suite "" "HEADERS;PARTS" "SOURCES;LINKS;PROPERTIES" ${ARGN})
     if(NOT suite_HEADERS)
         set(suite_HEADERS tk_test_headers)
-    endif()
-    if(NOT suite_TIMEOUT)
-        set(suite_TIMEOUT 120)
     endif()
     add_executable(${name} ${suite_SOURCES})
     set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
@@ -35,18 +32,17 @@ function(tk_add_suite name)
     target_precompile_headers(${name} REUSE_FROM ${suite_HEADERS})
     target_link_libraries(${name} PRIVATE tk_options ${suite_LINKS} GTest::gmock_main)
     if(suite_PARTS)
-        tk_add_suite_parts(${name} ${suite_PARTS} ${suite_PROPERTIES})
+        tk_add_suite_parts(${name} ${suite_PARTS})
         return()
     endif()
     gtest_discover_tests(${name}
         TEST_PREFIX "${name}."
         DISCOVERY_MODE PRE_TEST
-        PROPERTIES TIMEOUT ${suite_TIMEOUT} ENVIRONMENT "G_DEBUG=fatal-criticals"
-                   ${suite_PROPERTIES})
+        PROPERTIES TIMEOUT 120 ENVIRONMENT "G_DEBUG=fatal-criticals" ${suite_PROPERTIES})
 endfunction()
 
-# tk_add_suite_parts(<name> <parts> [<properties>]): GoogleTest deals the cases out to the parts. They
-# begin first, because the longest would otherwise keep one processor busy in the end.
+# tk_add_suite_parts(<name> <parts>): GoogleTest deals the cases out to the parts. They begin first,
+# because the longest would otherwise keep one processor busy in the end.
 function(tk_add_suite_parts name parts)
     foreach(part RANGE 1 ${parts})
         math(EXPR index "${part} - 1")
@@ -55,7 +51,6 @@ function(tk_add_suite_parts name parts)
         set_tests_properties(${test} PROPERTIES
             COST 100
             TIMEOUT 600
-            ENVIRONMENT "G_DEBUG=fatal-criticals;GTEST_TOTAL_SHARDS=${parts};GTEST_SHARD_INDEX=${index}"
-            ${ARGN})
+            ENVIRONMENT "G_DEBUG=fatal-criticals;GTEST_TOTAL_SHARDS=${parts};GTEST_SHARD_INDEX=${index}")
     endforeach()
 endfunction()
