@@ -210,7 +210,12 @@ TEST_F(WindowPageGuardTest, APageThatNeverStopsAskingAPersonIsEndedWithTheWindow
 }
 
 TEST_F(WindowPageGuardTest, ABusyPageDoesNotKeepTheNextOperation) {
-    BrowseShown("<script>for (;;);</script>");
+    // Before the page runs, the next one could still replace it without a fight. The page waits for
+    // the answer and is busy from then on.
+    BrowseShown(
+        "<script>const request = new XMLHttpRequest;"
+        "request.open('GET', '/runs', false); request.send(); for (;;);</script>");
+    ASSERT_TRUE(WaitForRequest("/runs"));
     CloseWindow();
     ExpectNextSuccess();
     EXPECT_THAT(Results(), ElementsAre("cancel", "success"));
