@@ -4,12 +4,34 @@
 
 #include "HelperTest.h"
 #include "LoopbackPeer.h"
+#include "StrangeListener.h"
 
 namespace {
 
 using testing::ElementsAre;
 
-using Refused = HelperTest;
+class Refused : public HelperTest {
+protected:
+    /// The program must end by itself, without an agent, having logged these lines about that.
+    void ExpectEnd(const std::string& port, const std::vector<std::string>& reasons) {
+        EXPECT_EQ(AwaitPromptEnd(), "exited with status 0");
+        std::vector<std::string> lines = LogLines();
+        // The window may have come far enough to send its first result, to nobody.
+        const std::vector<std::string> unsent{
+            "E Failed to sent 'BROWSER_RESULT' message to server [32-Broken pipe]",
+            "W Notified of browser result send error"};
+        const auto found = std::search(lines.begin(), lines.end(), unsent.begin(), unsent.end());
+        if (found != lines.end()) {
+            lines.erase(found, found + 2);
+        }
+        std::vector<std::string> expected{"I Initiating IPC connection to 127.0.0.1:" + port +
+                                          "..."};
+        expected.insert(expected.end(), reasons.begin(), reasons.end());
+        expected.insert(expected.end(), {"E Error connecting to IPC server, exiting...",
+                                         "I Successfully stopped io service thread"});
+        EXPECT_EQ(lines, expected);
+    }
+};
 
 }  // namespace
 
@@ -17,21 +39,28 @@ TEST_F(Refused, EndsAtOnceWhenNobodyListens) {
     const ClosedPort closed;
     const std::string port = std::to_string(closed.Port());
     ASSERT_NO_FATAL_FAILURE(Launch({port}));
-    EXPECT_EQ(AwaitPromptEnd(), "exited with status 0");
-    std::vector<std::string> lines = LogLines();
-    // The window may have come far enough to send its first result, to nobody.
-    const std::vector<std::string> unsent{
-        "E Failed to sent 'BROWSER_RESULT' message to server [32-Broken pipe]",
-        "W Notified of browser result send error"};
-    const auto found = std::search(lines.begin(), lines.end(), unsent.begin(), unsent.end());
-    if (found != lines.end()) {
-        lines.erase(found, found + 2);
-    }
-    EXPECT_THAT(lines, ElementsAre("I Initiating IPC connection to 127.0.0.1:" + port + "...",
-                                   "E IPC connect error [111-Connection refused]",
-                                   "E Error connecting to IPC server, exiting...",
-                                   "I Successfully stopped io service thread"));
+    ExpectEnd(port, {"E IPC connect error [111-Connection refused]"});
 }
+
+namespace {
+
+class StrangersPort : public Refused, public testing::WithParamInterface<const char*> {};
+
+}  // namespace
+
+TEST_P(StrangersPort, EndsAtOnceAndHearsNothing) {
+    StrangeListener stranger(GetParam());
+    ASSERT_NO_FATAL_FAILURE(Launch({stranger.Port()}, stranger.Environment()));
+    ExpectEnd(stranger.Port(), {"E IPC port " + stranger.Port() + " belongs to another user (uid " +
+                                    stranger.User() + ")",
+                                "E IPC connect error [13-Permission denied]"});
+    EXPECT_EQ(stranger.CountReceived(), "0");
+}
+
+INSTANTIATE_TEST_SUITE_P(Listens, StrangersPort,
+                         testing::Values("and_accepts", "and_accepts_late", "and_accepts_once",
+                                         "for_every_address", "for_every_ipv6_address"),
+                         [](const auto& test) { return std::string(test.param); });
 
 namespace {
 

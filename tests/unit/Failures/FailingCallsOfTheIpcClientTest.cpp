@@ -189,6 +189,15 @@ TEST(FailingCallsOfTheIpcClient, EveryAllocation) {
     EXPECT_THAT(FailEachCall(Call::Allocation, LiveOnce), Ge(50U));
 }
 
+// Without the tables of sockets the client does not know whom it talks to.
+TEST(FailingCallsOfTheIpcClient, EveryOpen) {
+    EXPECT_THAT(FailEachCall(Call::Open, LiveOnce), Eq(2U));
+}
+
+TEST(FailingCallsOfTheIpcClient, EveryRead) {
+    EXPECT_THAT(FailEachCall(Call::Read, LiveOnce), Ge(4U));
+}
+
 TEST(FailingCallsOfTheIpcClient, EverySocket) {
     EXPECT_THAT(FailEachCall(Call::Socket, LiveOnce), Eq(1U));
 }

@@ -27,6 +27,7 @@
 #include "JsonIpcFrameReader.h"
 #include "JsonIpcSendQueue.h"
 #include "StartGate.h"
+#include "TrustedServer.h"
 
 using boost::asio::ip::tcp;
 using boost::system::error_code;
@@ -69,11 +70,21 @@ void SendWithoutDelay(tcp::socket& socket) {
     socket.set_option(tcp::no_delay(true), ignored);
 }
 
-// TCP can connect a socket to itself: if nobody listens on the port, and the kernel by chance
-// chooses that same port for our end.
-bool IsConnectedToItself(const tcp::socket& socket) {
+// Returns why the new connection to the server must not be used, or no error.
+error_code RefusalOf(tcp::socket& socket, const tcp::endpoint& server) {
     error_code ignored;
-    return socket.local_endpoint(ignored) == socket.remote_endpoint(ignored);
+    const tcp::endpoint ours = socket.local_endpoint(ignored);
+    // TCP can connect a socket to itself: if nobody listens on the port, and the kernel by chance
+    // chooses that same port for our end.
+    if (ours == server) {
+        return boost::asio::error::connection_refused;
+    }
+    if (IsTrustedServer(server.port(), ours.port())) {
+        return {};
+    }
+    // Messages may wait already. They must not reach the stranger.
+    socket.shutdown(tcp::socket::shutdown_both, ignored);
+    return boost::asio::error::access_denied;
 }
 
 // A short read without an error means that we cancelled it.
@@ -269,8 +280,7 @@ void CJsonIpcClient::initIpc() {
     connection.phase = Connection::Phase::connecting;
     connection.socket.async_connect(
         connection.endpoint, [this, &connection](const error_code& error) {
-            const bool toItself = !error && IsConnectedToItself(connection.socket);
-            handleConnect(toItself ? boost::asio::error::connection_refused : error);
+            handleConnect(error ? error : RefusalOf(connection.socket, connection.endpoint));
         });
 }
 
