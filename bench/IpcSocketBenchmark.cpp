@@ -2,6 +2,7 @@
 // echo of the same bytes. Each operation is answered on the I/O thread, as the echo is.
 
 #include <benchmark/benchmark.h>
+#include <unistd.h>
 
 #include <array>
 #include <boost/asio/io_context.hpp>
@@ -99,7 +100,7 @@ public:
             throw std::runtime_error(reason);
         }
         m_peer.emplace(m_agent.Port());
-        m_connection = m_agent.Accept(DeadlineIn(kTestDeadline));
+        m_connection = m_agent.Accept(getpid(), DeadlineIn(kTestDeadline));
     }
 
     /// Writes the frame in this many pieces, each in a packet of its own.

@@ -70,7 +70,7 @@ MeasuredHelper::MeasuredHelper(const Environment& environment) {
     Check(m_agent.Listen(reason), reason);
     m_process.emplace(std::vector<std::string>{TKWEBHELPER_PATH, std::to_string(m_agent.Port())},
                       environment);
-    m_connection = m_agent.Accept(DeadlineIn(kTestDeadline));
+    m_connection = m_agent.Accept(m_process->Pid(), DeadlineIn(kTestDeadline));
     m_connected = steady_clock::now();
     Check(m_connection.has_value(), "no connection");
     m_ready = AwaitResult(BrowserResultType::ready);

@@ -69,7 +69,7 @@ TEST_F(CommandLine, KeepsOnlyTheLow32BitsOfThePort) {
 
 TEST_F(CommandLine, IgnoresWhatFollowsThePort) {
     ASSERT_NO_FATAL_FAILURE(Launch({AgentPort() + "abc"}));
-    auto connection = m_agent.Accept(DeadlineIn(kTestDeadline));
+    auto connection = m_agent.Accept(m_helper.Pid(), DeadlineIn(kTestDeadline));
     ASSERT_TRUE(connection.has_value());
     CBrowserResult result;
     EXPECT_EQ(connection->ReceiveResult(result, DeadlineIn(kTestDeadline)),

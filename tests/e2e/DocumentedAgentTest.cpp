@@ -10,6 +10,7 @@
 #include "HttpServer.h"
 #include "ProgramRun.h"
 #include "TemporaryFolder.h"
+#include "WaitUntil.h"
 
 namespace {
 
@@ -29,17 +30,71 @@ std::string OutputOf(const std::vector<std::string>& arguments) {
     return run.output;
 }
 
+class DocumentedAgent : public testing::Test {
+protected:
+    DocumentedAgent() {
+        m_server.ServePage("/page", "hello");
+        WriteFile(m_folder.Path("agent.py"),
+                  Between("```python\n", "```\n", ReadFile(TK_PROTOCOL_DOCUMENT)));
+    }
+
+    /// What the agent prints when it starts this as the helper.
+    std::string OutputWith(const std::string& helper) {
+        return OutputOf(
+            {"/usr/bin/python3", m_folder.Path("agent.py"), helper, m_server.Url("/page")});
+    }
+
+    HttpServer m_server;
+    const TemporaryFolder m_folder;
+};
+
+/// The program, as a helper before which a stranger connects to the agent.
+class OvertakenHelper {
+public:
+    OvertakenHelper() {
+        WriteFile(Path(), std::string("#!/bin/sh\n/usr/bin/python3 ") + TK_STRANGER +
+                              " connect \"$1\" " + m_folder.Path("received") + " && exec " +
+                              HelperPath() + " \"$1\"\n");
+        std::filesystem::permissions(Path(), std::filesystem::perms::owner_all);
+    }
+
+    [[nodiscard]] std::string Path() const { return m_folder.Path("helper"); }
+
+    /// How many bytes the agent sent to the stranger.
+    [[nodiscard]] std::string CountReceived() const {
+        std::string count;
+        EXPECT_TRUE(PollUntil([&] {
+            count = ReadFile(m_folder.Path("received"));
+            return !count.empty();
+        }));
+        return count;
+    }
+
+private:
+    TemporaryFolder m_folder;
+};
+
 }  // namespace
 
-TEST(DocumentedAgent, StartsTheProgramAndPrintsItsResults) {
-    HttpServer server;
-    server.ServePage("/page", "hello");
-    const TemporaryFolder folder;
-    WriteFile(folder.Path("agent.py"),
-              Between("```python\n", "```\n", ReadFile(TK_PROTOCOL_DOCUMENT)));
-    EXPECT_EQ(
-        OutputOf({"/usr/bin/python3", folder.Path("agent.py"), HelperPath(), server.Url("/page")}),
-        "ready\nsuccess\n");
+TEST_F(DocumentedAgent, StartsTheProgramAndPrintsItsResults) {
+    EXPECT_EQ(OutputWith(HelperPath()), "ready\nsuccess\n");
+}
+
+TEST_F(DocumentedAgent, TakesNobodyElseForTheProgram) {
+    const OvertakenHelper helper;
+    EXPECT_EQ(OutputWith(helper.Path()), "ready\nsuccess\n");
+    EXPECT_EQ(helper.CountReceived(), "0");
+}
+
+TEST(TkAgent, TakesNobodyElseForTheProgram) {
+    const OvertakenHelper helper;
+    const std::string tkagent =
+        std::filesystem::path(HelperPath()).replace_filename("tkagent").string();
+    EXPECT_EQ(OutputOf({"/bin/sh", "-c",
+                        R"(echo '{"operation":"reset"}' | )" + tkagent + " run --helper " +
+                            helper.Path()}),
+              "{\"result\":\"ready\"}\n{\"result\":\"ready\"}\n");
+    EXPECT_EQ(helper.CountReceived(), "0");
 }
 
 TEST(ManualPageOfTkagent, ShowsWhatItsExamplePrints) {

@@ -92,7 +92,7 @@ void HelperTest::Launch(const std::vector<std::string>& arguments, const Environ
 
 void HelperTest::LaunchAndAccept(const Environment& environment) {
     ASSERT_NO_FATAL_FAILURE(Launch({AgentPort()}, environment));
-    m_connection = m_agent.Accept(DeadlineIn(kTestDeadline));
+    m_connection = m_agent.Accept(m_helper.Pid(), DeadlineIn(kTestDeadline));
     ASSERT_TRUE(m_connection.has_value());
 }
 

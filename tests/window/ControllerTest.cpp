@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <functional>
@@ -46,7 +47,7 @@ protected:
     /// Accepts the helper and takes its first result, on a thread of its own, then goes on as told.
     std::future<void> PlayAgent(std::function<void(CHelperConnection&)> script) {
         return std::async(std::launch::async, [this, script = std::move(script)] {
-            auto connection = m_agent.Accept(DeadlineIn(kTestDeadline));
+            auto connection = m_agent.Accept(getpid(), DeadlineIn(kTestDeadline));
             ASSERT_TRUE(connection.has_value());
             CBrowserResult first;
             ASSERT_EQ(connection->ReceiveResult(first, DeadlineIn(kTestDeadline)),

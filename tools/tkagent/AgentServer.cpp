@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include "PeerProcess.h"
 #include "Waiting.h"
 
 namespace {
@@ -46,12 +47,20 @@ bool CAgentServer::Listen(std::string& reason, std::uint16_t port) {
     return true;
 }
 
-std::optional<CHelperConnection> CAgentServer::Accept(Deadline deadline) {
-    while (WaitReadable({m_socket.Get()}, deadline).has_value()) {
-        CUniqueFd accepted(accept4(m_socket.Get(), nullptr, nullptr, SOCK_CLOEXEC));
-        if (accepted.IsOpen()) {
-            return CHelperConnection(std::move(accepted));
-        }
+std::optional<CHelperConnection> CAgentServer::Accept(pid_t helper, Deadline deadline) {
+    std::optional<CHelperConnection> connection;
+    while (!connection.has_value() && WaitReadable({m_socket.Get()}, deadline).has_value()) {
+        connection = AcceptWaiting(helper);
     }
-    return std::nullopt;
+    return connection;
+}
+
+std::optional<CHelperConnection> CAgentServer::AcceptWaiting(pid_t helper) {
+    sockaddr_in peer{};
+    socklen_t size = sizeof(peer);
+    CUniqueFd accepted(accept4(m_socket.Get(), Plain(peer), &size, SOCK_CLOEXEC));
+    if (!accepted.IsOpen() || !HoldsConnection(helper, ntohs(peer.sin_port), m_port)) {
+        return std::nullopt;
+    }
+    return CHelperConnection(std::move(accepted));
 }

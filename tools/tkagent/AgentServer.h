@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -19,8 +21,11 @@ public:
     /// A descriptor that is readable when a connection waits; -1 before it listens.
     [[nodiscard]] int Descriptor() const { return m_socket.Get(); }
 
-    /// Waits for the next connection. Returns nothing if the deadline passed.
-    [[nodiscard]] std::optional<CHelperConnection> Accept(Deadline deadline);
+    /// Waits for the connection of this process. Connections of any other process are closed.
+    /// Returns nothing if the deadline passed.
+    [[nodiscard]] std::optional<CHelperConnection> Accept(pid_t helper, Deadline deadline);
+    /// Takes the connection that waits, if it is of this process, and closes it otherwise.
+    [[nodiscard]] std::optional<CHelperConnection> AcceptWaiting(pid_t helper);
 
     /// Stops listening: later connections are refused.
     void Close() { m_socket.Reset(); }

@@ -29,18 +29,20 @@ AgentStatus CHelperSession::launch(const std::string& helperPath) {
 
 AgentStatus CHelperSession::awaitConnection() {
     const Deadline deadline = DeadlineIn(m_patience);
-    const std::optional<std::size_t> woken =
-        WaitReadable({m_server.Descriptor(), m_process.EndDescriptor()}, deadline);
-    if (!woken.has_value()) {
-        return timedOut("did not connect");
+    while (!m_connection.has_value()) {
+        const std::optional<std::size_t> woken =
+            WaitReadable({m_server.Descriptor(), m_process.EndDescriptor()}, deadline);
+        if (!woken.has_value()) {
+            return timedOut("did not connect");
+        }
+        if (*woken != 0) {
+            return helperGone();
+        }
+        m_connection = m_server.AcceptWaiting(m_process.Pid());
     }
-    if (*woken != 0) {
-        return helperGone();
-    }
-    m_connection = m_server.Accept(deadline);
     // One helper, one connection: a second one is refused.
     m_server.Close();
-    return m_connection.has_value() ? AgentStatus::Success : timedOut("did not connect");
+    return AgentStatus::Success;
 }
 
 AgentStatus CHelperSession::Send(const CBrowserOperation& operation) {

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <functional>
@@ -121,7 +122,7 @@ protected:
 
 private:
     void play(const Script& script) {
-        auto connection = m_server.Accept(DeadlineIn(kTestDeadline));
+        auto connection = m_server.Accept(getpid(), DeadlineIn(kTestDeadline));
         ASSERT_TRUE(connection.has_value());
         Agent agent(std::move(*connection));
         script(agent);

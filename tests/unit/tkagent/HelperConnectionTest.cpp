@@ -3,13 +3,29 @@
 #include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <array>
 #include <thread>
 
 #include "AgentServer.h"
 #include "TestDeadline.h"
+#include "Waiting.h"
 
 namespace {
+
+constexpr uid_t kNobody = 65534;
+
+CUniqueFd ConnectTo(std::uint16_t port) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(port);
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    CUniqueFd connected(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    EXPECT_EQ(connect(connected.Get(), reinterpret_cast<sockaddr*>(&address), sizeof(address)), 0);
+    return connected;
+}
 
 // A connection with both its ends here: the frames of one are read at the other.
 class HelperConnection : public testing::Test {
@@ -17,15 +33,8 @@ protected:
     void SetUp() override {
         std::string reason;
         ASSERT_TRUE(m_server.Listen(reason)) << reason;
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_port = htons(m_server.Port());
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        CUniqueFd socketFd(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
-        ASSERT_EQ(connect(socketFd.Get(), reinterpret_cast<sockaddr*>(&address), sizeof(address)),
-                  0);
-        m_helper.emplace(std::move(socketFd));
-        m_agent = m_server.Accept(DeadlineIn(kTestDeadline));
+        m_helper.emplace(ConnectTo(m_server.Port()));
+        m_agent = m_server.Accept(getpid(), DeadlineIn(kTestDeadline));
         ASSERT_TRUE(m_agent.has_value());
     }
 
@@ -128,7 +137,47 @@ TEST(AgentServer, AcceptsNobodyWhenTheDeadlinePasses) {
     std::string reason;
     ASSERT_TRUE(server.Listen(reason)) << reason;
     EXPECT_NE(server.Port(), 0);
-    EXPECT_FALSE(server.Accept(DeadlineIn(std::chrono::milliseconds(1))).has_value());
+    EXPECT_FALSE(server.Accept(getpid(), DeadlineIn(std::chrono::milliseconds(1))).has_value());
+}
+
+/// Starts a child process, of another user if that can be had, that connects to the port and ends
+/// when it has read to the connection's end; its status is the number of bytes.
+pid_t ConnectAsStranger(std::uint16_t port) {
+    const pid_t child = fork();
+    if (child == 0) {
+        static_cast<void>(seteuid(kNobody));
+        const CUniqueFd stranger = ConnectTo(port);
+        std::array<char, 64> bytes{};
+        const ssize_t count = read(stranger.Get(), bytes.data(), bytes.size());
+        _exit(count < 0 ? EXIT_FAILURE : static_cast<int>(count));
+    }
+    return child;
+}
+
+TEST(AgentServer, ClosesTheConnectionOfAnotherProcessAndGoesOn) {
+    CAgentServer server;
+    std::string reason;
+    ASSERT_TRUE(server.Listen(reason)) << reason;
+    const pid_t stranger = ConnectAsStranger(server.Port());
+    ASSERT_TRUE(WaitReadable({server.Descriptor()}, DeadlineIn(kTestDeadline)).has_value());
+    const CUniqueFd helper = ConnectTo(server.Port());
+    auto connection = server.Accept(getpid(), DeadlineIn(kTestDeadline));
+    ASSERT_TRUE(connection.has_value());
+    ASSERT_TRUE(connection->SendBytes("x"));
+    char byte = 0;
+    EXPECT_EQ(read(helper.Get(), &byte, 1), 1);
+    EXPECT_EQ(byte, 'x');
+    int status = -1;
+    EXPECT_EQ(waitpid(stranger, &status, 0), stranger);
+    EXPECT_EQ(status, 0);
+}
+
+TEST(AgentServer, AcceptsNobodyForAConnectionThatIsGone) {
+    CAgentServer server;
+    std::string reason;
+    ASSERT_TRUE(server.Listen(reason)) << reason;
+    CHelperConnection(ConnectTo(server.Port())).Abort();
+    EXPECT_FALSE(server.AcceptWaiting(getpid()).has_value());
 }
 
 TEST(AgentServer, RefusesAPortThatIsTaken) {
