@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
@@ -119,7 +120,9 @@ TEST_F(FaultyStore, ThatCannotBeWrittenDisturbsNoOperation) {
 }
 
 TEST_F(FaultyStore, OnAFullDiskDisturbsNoOperation) {
-    MoveFolderTo(kSmallDisk);
+    const std::string folder = std::string(kSmallDisk) + "/velto";
+    fs::create_directory(folder);
+    MoveFolderTo(folder);
     const std::string filler = std::string(kSmallDisk) + "/filler";
     const CUniqueFd file(open(filler.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
     const std::string block(4096, 'x');
@@ -130,3 +133,85 @@ TEST_F(FaultyStore, OnAFullDiskDisturbsNoOperation) {
     EXPECT_TRUE(!fs::exists(Store()) || fs::file_size(Store()) == 0);
     fs::remove(filler);
 }
+
+namespace {
+
+/// A store that others could read, fill or lead elsewhere.
+class UnsafeStore : public FaultyStore {
+protected:
+    /// A whole session that works, with one warning, and leaves the store alone.
+    void ExpectSessionWithWarning(const std::string& warning) {
+        ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
+        ExpectCookie("first");
+        ExpectGoodPage();
+        EXPECT_EQ(Terminate(), "exited with status 0");
+        EXPECT_THAT(LogLines(),
+                    testing::UnorderedElementsAre(
+                        "I Initiating IPC connection to 127.0.0.1:" + AgentPort() + "...",
+                        "I IPC connection established", "W " + warning,
+                        "I Successfully stopped io service thread"));
+    }
+
+    void ExpectFolderUnused() {
+        ExpectSessionWithWarning("Data directory " + DataFolder() +
+                                 "/ is not used, because others may write to it");
+        EXPECT_FALSE(fs::exists(Store()));
+    }
+
+    void ExpectStoreUnused() {
+        ExpectSessionWithWarning("Cookie store " + Store() +
+                                 " is not used, because it is a link or another user's");
+    }
+};
+
+class WritableFolder : public UnsafeStore, public testing::WithParamInterface<fs::perms> {};
+
+class LinkedStore : public UnsafeStore, public testing::WithParamInterface<const char*> {};
+
+}  // namespace
+
+TEST_P(WritableFolder, IsNotUsed) {
+    fs::permissions(DataFolder(), fs::perms::owner_all | GetParam());
+    ExpectFolderUnused();
+}
+
+INSTANTIATE_TEST_SUITE_P(By, WritableFolder,
+                         testing::Values(fs::perms::group_write, fs::perms::others_write),
+                         [](const auto& test) {
+                             return test.param == fs::perms::group_write ? "TheGroup" : "Everybody";
+                         });
+
+TEST_F(UnsafeStore, InAnotherUsersFolderIsNotUsed) {
+    if (chown(DataFolder().c_str(), kNobody, static_cast<gid_t>(-1)) != 0) {
+        // An ordinary user cannot give a folder away, but root has some.
+        MoveFolderTo("/");
+    }
+    ExpectFolderUnused();
+}
+
+TEST_F(UnsafeStore, BehindALinkToAWritableFolderIsNotUsed) {
+    MoveFolderTo(kSmallDisk);
+    ExpectFolderUnused();
+}
+
+TEST_F(UnsafeStore, OfAnotherUserIsNotUsed) {
+    MoveFolderTo(FaultyWorld::Get().ForeignStoreFolder());
+    const std::string before = ReadFile(Store());
+    ExpectStoreUnused();
+    EXPECT_EQ(ReadFile(Store()), before);
+}
+
+TEST_P(LinkedStore, IsNotUsedAndLeavesTheOtherFileAsItIs) {
+    const std::string other = std::string(std::getenv("HOME")) + "/other";
+    WriteFile(other, "");
+    fs::permissions(other, fs::perms(0644));
+    fs::create_symlink(other, Store() + GetParam());
+    ExpectStoreUnused();
+    EXPECT_EQ(ReadFile(other), "");
+    EXPECT_EQ(fs::status(other).permissions(), fs::perms(0644));
+}
+
+INSTANTIATE_TEST_SUITE_P(Through, LinkedStore, testing::Values("", "-journal", "-wal", "-shm"),
+                         [](const auto& test) {
+                             return *test.param == 0 ? "ItsName" : std::string(test.param + 1);
+                         });

@@ -1,8 +1,14 @@
 #include "FaultyWorld.h"
 
+#include <unistd.h>
+
 #include <filesystem>
 
 namespace {
+
+namespace fs = std::filesystem;
+
+constexpr gid_t kKeepGroup = static_cast<gid_t>(-1);
 
 const std::string kPrograms = ENGINE_PROGRAMS;
 constexpr const char* kSpoilt[] = {"WebKitNetworkProcess", "WebKitWebProcess"};
@@ -15,9 +21,12 @@ FaultyWorld& FaultyWorld::Get() {
 }
 
 FaultyWorld::FaultyWorld() {
-    WriteFile(m_folder.Path("read-only/") + kCookieStore, "");
+    for (const char* const name : {"read-only", "foreign"}) {
+        WriteFile(m_folder.Path(name) + "/" + kCookieStore, "");
+        fs::permissions(m_folder.Path(name), fs::perms(0755));
+    }
     for (const char* const name : kSpoilt) {
-        std::filesystem::copy_file(kPrograms + "/" + name, Program(name));
+        fs::copy_file(kPrograms + "/" + name, Program(name));
     }
 }
 
@@ -25,11 +34,20 @@ std::string FaultyWorld::Program(const std::string& name) const {
     return m_folder.Path(name);
 }
 
+std::string FaultyWorld::ForeignStoreFolder() const {
+    return m_folder.Path("foreign");
+}
+
 PrivateWorld FaultyWorld::Describe() const {
     PrivateWorld world;
     world.smallDisk = kSmallDisk;
     world.readOnlySource = m_folder.Path("read-only");
     world.readOnlyFolder = kReadOnlyFolder;
+    const std::string foreignStore = ForeignStoreFolder() + "/" + kCookieStore;
+    if (chown(foreignStore.c_str(), kNobody, kKeepGroup) != 0) {
+        // What an ordinary user cannot give away, root has plenty of.
+        world.coveredFiles[foreignStore] = "/etc/passwd";
+    }
     for (const char* const name : kSpoilt) {
         world.coveredFiles[kPrograms + "/" + name] = Program(name);
     }

@@ -5,6 +5,7 @@
 #include <pwd.h>
 #include <sched.h>
 #include <sys/mount.h>
+#include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -174,6 +175,7 @@ void SetHomeVariables() {
 }
 
 void Enter(const PrivateWorld& world) {
+    umask(S_IWGRP | S_IWOTH);
     UnshareMounts();
     if (world.home) {
         MakeHome();

@@ -27,7 +27,8 @@ struct PrivateWorld {
 };
 
 /// Moves the process into a mount namespace of its own, where it and its children see these parts
-/// instead of the machine's. All of it vanishes with these processes. Must be called at the start
+/// instead of the machine's. All of it vanishes with these processes. What they create, others may
+/// not write to, whatever the umask was. Must be called at the start
 /// of main(); a program that has other threads by then is restarted in a child process. Needs no
 /// privilege other than user namespaces, and keeps the user's id. On failure says why on standard
 /// error and returns false.
