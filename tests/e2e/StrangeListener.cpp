@@ -46,12 +46,12 @@ StrangeListener::StrangeListener(const std::string& way) {
     itsOutput.Reset();
     std::istringstream(ReadLine(m_output)) >> m_port >> m_user;
     if (m_user == std::to_string(geteuid())) {
-        nameNobody();
+        nameStranger();
     }
 }
 
-void StrangeListener::nameNobody() {
-    m_user = "65534";
+void StrangeListener::nameStranger() {
+    m_user = std::to_string(geteuid() + 1);
     std::array<char, 64> address{};
     std::snprintf(address.data(), address.size(), "0100007F:%04X", std::stoi(m_port));
     m_table = m_folder.Path("tcp");

@@ -27,7 +27,7 @@ public:
     [[nodiscard]] std::string CountReceived();
 
 private:
-    void nameNobody();
+    void nameStranger();
 
     CUniqueFd m_input;
     CUniqueFd m_output;

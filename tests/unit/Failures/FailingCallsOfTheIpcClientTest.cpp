@@ -189,9 +189,21 @@ TEST(FailingCallsOfTheIpcClient, EveryAllocation) {
     EXPECT_THAT(FailEachCall(Call::Allocation, LiveOnce), Ge(50U));
 }
 
-// Without the tables of sockets the client does not know whom it talks to.
 TEST(FailingCallsOfTheIpcClient, EveryOpen) {
     EXPECT_THAT(FailEachCall(Call::Open, LiveOnce), Eq(2U));
+}
+
+TEST(FailingCallsOfTheIpcClient, NothingIsSentIfTheOwnerOfThePortCannotBeFound) {
+    const SparedLog log;
+    CountingCallback callback;
+    Agent agent;
+    const std::string port = std::to_string(agent.Port());
+    const CBrowserResult result(BrowserResultType::success_with_cookie, "a-value-of-the-cookie");
+    EXPECT_TRUE(Live(callback, agent.Port(), result, Call::Open, 1).hasFailed);
+    EXPECT_EQ(agent.TakeReceived(), "");
+    EXPECT_EQ(callback.Total().connectErrors, 1);
+    EXPECT_THAT(log.Lines(), Contains(HasSubstr("Unable to find out who owns IPC port " + port +
+                                                " - Too many open files")));
 }
 
 TEST(FailingCallsOfTheIpcClient, EveryRead) {
