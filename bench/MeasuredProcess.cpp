@@ -70,8 +70,10 @@ MeasuredHelper::MeasuredHelper(const Environment& environment) {
     Check(m_agent.Listen(reason), reason);
     m_process.emplace(std::vector<std::string>{TKWEBHELPER_PATH, std::to_string(m_agent.Port())},
                       environment);
-    m_connection = m_agent.Accept(m_process->Pid(), DeadlineIn(kTestDeadline));
+    Check(WaitReadable({m_agent.Descriptor()}, DeadlineIn(kTestDeadline)).has_value(),
+          "it does not connect");
     m_connected = steady_clock::now();
+    m_connection = m_agent.AcceptWaiting(m_process->Pid());
     Check(m_connection.has_value(), "no connection");
     m_ready = AwaitResult(BrowserResultType::ready);
 }

@@ -190,7 +190,7 @@ TEST(FailingCallsOfTheIpcClient, EveryAllocation) {
 }
 
 TEST(FailingCallsOfTheIpcClient, EveryOpen) {
-    EXPECT_THAT(FailEachCall(Call::Open, LiveOnce), Eq(2U));
+    EXPECT_THAT(FailEachCall(Call::Open, LiveOnce), Eq(1U));
 }
 
 TEST(FailingCallsOfTheIpcClient, NothingIsSentIfTheOwnerOfThePortCannotBeFound) {

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <unistd.h>
 
+#include <array>
 #include <string>
 
 #include "LoopbackPeer.h"
@@ -146,6 +147,18 @@ TEST(LoopbackSockets, AreReadFromTheKernel) {
     ASSERT_TRUE(sockets.has_value());
     EXPECT_EQ(error, 0);
     EXPECT_THAT(sockets->OwnersOfServer(listener.Port(), 1), ElementsAre(geteuid()));
+}
+
+TEST(LoopbackSockets, OfEveryListenerAreReadFromTheKernel) {
+    const std::array<LoopbackListener, 40> listeners;
+    const LoopbackConnection connection = listeners.front().Connect();
+    int error = -1;
+    const auto sockets = CLoopbackSockets::ReadListeners(error);
+    ASSERT_TRUE(sockets.has_value());
+    EXPECT_EQ(error, 0);
+    for (const LoopbackListener& listener : listeners) {
+        EXPECT_THAT(sockets->OwnersOfServer(listener.Port(), 1), ElementsAre(geteuid()));
+    }
 }
 
 }  // namespace

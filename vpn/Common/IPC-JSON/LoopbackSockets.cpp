@@ -23,6 +23,8 @@ constexpr const char* kTcp6Table = "/proc/self/net/tcp6";
 constexpr std::string_view kListening = "0A";
 constexpr std::size_t kWordDigits = 8;
 constexpr std::size_t kIpv6Digits = 4 * kWordDigits;
+// Every line of the IPv4 table is padded to this size.
+constexpr std::size_t kIpv4LineSize = 150;
 
 // The columns of a table that are read.
 enum Column : std::size_t {
@@ -133,16 +135,36 @@ std::optional<LoopbackSocket> ParseLine(std::string_view line) {
     return socket;
 }
 
+// The listeners come first in a table.
+bool EndsWithConnection(std::string_view table) {
+    const std::size_t end = table.rfind('\n');
+    if (end == std::string_view::npos || end == 0) {
+        return false;
+    }
+    const std::size_t start = table.rfind('\n', end - 1);
+    // The first line names the columns.
+    return start != std::string_view::npos &&
+           SplitLine(table.substr(start + 1, end - start - 1))[Column::state] != kListening;
+}
+
+enum class Extent { listeners, everything };
+
 // Returns 0 or the error number.
-int ReadTable(const char* path, std::string& table) {
+int ReadTable(const char* path, Extent extent, std::string& table) {
     const CUniqueFd file(open(path, O_RDONLY | O_CLOEXEC));
     if (!file.IsOpen()) {
         return errno;
     }
+    // The kernel searches hundreds of thousands of places for connections, until it has found as
+    // many as are asked for.
     std::array<char, 4096> part{};
+    const std::size_t size = extent == Extent::listeners ? kIpv4LineSize : part.size();
     ssize_t count = 0;
-    while ((count = read(file.Get(), part.data(), part.size())) > 0) {
+    while ((count = read(file.Get(), part.data(), size)) > 0) {
         table.append(part.data(), static_cast<std::size_t>(count));
+        if (extent == Extent::listeners && EndsWithConnection(table)) {
+            break;
+        }
     }
     return count < 0 ? errno : 0;
 }
@@ -157,13 +179,19 @@ CLoopbackSockets::CLoopbackSockets(std::string_view tcp, std::string_view tcp6) 
 std::optional<CLoopbackSockets> CLoopbackSockets::Read(int& error) {
     std::string tcp;
     std::string tcp6;
-    error = ReadTable(kTcpTable, tcp);
+    error = ReadTable(kTcpTable, Extent::everything, tcp);
     if (error == 0) {
-        error = ReadTable(kTcp6Table, tcp6);
+        error = ReadTable(kTcp6Table, Extent::everything, tcp6);
         // A kernel without IPv6 has no such table.
         error = error == ENOENT ? 0 : error;
     }
     return error == 0 ? std::make_optional<CLoopbackSockets>(tcp, tcp6) : std::nullopt;
+}
+
+std::optional<CLoopbackSockets> CLoopbackSockets::ReadListeners(int& error) {
+    std::string tcp;
+    error = ReadTable(kTcpTable, Extent::listeners, tcp);
+    return error == 0 ? std::make_optional<CLoopbackSockets>(tcp, "") : std::nullopt;
 }
 
 void CLoopbackSockets::addTable(std::string_view table) {

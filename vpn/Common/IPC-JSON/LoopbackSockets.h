@@ -33,9 +33,11 @@ public:
     /// left out.
     CLoopbackSockets(std::string_view tcp, std::string_view tcp6);
 
-    /// Reads the tables of the process's network. If that fails, returns nothing, and error is the
-    /// error number.
+    /// Reads the tables of the process's network, which takes milliseconds. If that fails, returns
+    /// nothing, and error is the error number.
     [[nodiscard]] static std::optional<CLoopbackSockets> Read(int& error);
+    /// Reads only what listens on IPv4 sockets, which is much faster.
+    [[nodiscard]] static std::optional<CLoopbackSockets> ReadListeners(int& error);
 
     /// The users who can be at the server's end of a connection between these ports: the owners of
     /// all that listen for it, and whoever has accepted it. Empty if there is nobody.

@@ -18,14 +18,22 @@ bool IsStranger(uid_t user) {
     return user != kRoot && user != geteuid();
 }
 
+std::vector<uid_t> OwnersIn(const std::optional<CLoopbackSockets>& sockets,
+                            std::uint16_t serverPort, std::uint16_t clientPort) {
+    return sockets ? sockets->OwnersOfServer(serverPort, clientPort) : std::vector<uid_t>();
+}
+
 }  // namespace
 
 bool IsTrustedServer(std::uint16_t serverPort, std::uint16_t clientPort) {
     const unsigned port = serverPort;
     int error = 0;
-    const std::optional<CLoopbackSockets> sockets = CLoopbackSockets::Read(error);
-    const std::vector<uid_t> owners =
-        sockets ? sockets->OwnersOfServer(serverPort, clientPort) : std::vector<uid_t>();
+    // The kernel lets nobody else listen beside the listener that is nearly always found.
+    std::vector<uid_t> owners =
+        OwnersIn(CLoopbackSockets::ReadListeners(error), serverPort, clientPort);
+    if (owners.empty() && error == 0) {
+        owners = OwnersIn(CLoopbackSockets::Read(error), serverPort, clientPort);
+    }
     if (owners.empty()) {
         TK_LOG_ERROR("Unable to find out who owns IPC port %u - %s", port,
                      error != 0 ? std::strerror(error) : "nobody holds it");
