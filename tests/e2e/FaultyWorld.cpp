@@ -46,7 +46,7 @@ PrivateWorld FaultyWorld::Describe() const {
     const std::string foreignStore = ForeignStoreFolder() + "/" + kCookieStore;
     if (chown(foreignStore.c_str(), kNobody, kKeepGroup) != 0) {
         // What an ordinary user cannot give away, root has plenty of.
-        world.coveredFiles[foreignStore] = "/etc/passwd";
+        world.coveredFiles[foreignStore] = "/etc/group";
     }
     for (const char* const name : kSpoilt) {
         world.coveredFiles[kPrograms + "/" + name] = Program(name);
