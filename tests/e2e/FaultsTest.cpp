@@ -8,6 +8,7 @@
 #include <array>
 #include <csignal>
 #include <filesystem>
+#include <map>
 
 #include "Catalogs.h"
 #include "FaultyWorld.h"
@@ -54,6 +55,16 @@ protected:
         for (const std::string& file : m_spoilt) {
             fs::permissions(file, fs::perms::owner_all);
         }
+        for (const auto& [file, program] : m_replaced) {
+            Put(file, program);
+        }
+    }
+
+    /// Another program stands in its place, until the end of the case.
+    void Replace(const std::string& name, const std::string& script) {
+        const std::string file = FaultyWorld::Get().Program(name);
+        m_replaced[file] = ReadFile(file);
+        Put(file, "#!/bin/sh\n" + script + "\n");
     }
 
     void Spoil(const std::string& name) {
@@ -62,7 +73,29 @@ protected:
     }
 
 private:
+    /// The kernel keeps a program's file from changing while the last process that runs it ends.
+    static void Put(const std::string& file, const std::string& program) {
+        EXPECT_TRUE(PollUntil(
+            [&] { return CUniqueFd(open(file.c_str(), O_WRONLY | O_CLOEXEC)).IsOpen(); }));
+        WriteFile(file, program);
+    }
+
     std::vector<std::string> m_spoilt;
+    std::map<std::string, std::string> m_replaced;
+};
+
+/// What the engine's sandbox needs is missing or fails.
+class NoSandbox : public MissingProgram {
+protected:
+    void ExpectGoodPageAndWarning(const std::string& reason) {
+        ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
+        ExpectGoodPage();
+        EXPECT_EQ(Terminate(), "exited with status 0");
+        EXPECT_THAT(
+            LogLines(),
+            Contains("W Pages are not confined, the engine's sandbox does not work: " + reason)
+                .Times(1));
+    }
 };
 
 }  // namespace
@@ -114,8 +147,43 @@ TEST_F(MissingProgram, OfPagesEndsTheProgramWithItsFirstPage) {
     const std::set<pid_t> children = Descendants(m_helper.Pid());
     EXPECT_EQ(NextResult(), "(closed)");
     EXPECT_EQ(AwaitPromptEnd(), "was killed by SIGTRAP");
-    EXPECT_THAT(LogLines(), Contains(AllOf(StartsWith("E GLib: "), HasSubstr("WebKitWebProcess"))));
+    EXPECT_THAT(LogLines(), Contains(AllOf(StartsWith("E GLib: "), HasSubstr("process crashed"))));
     ExpectGone(children);
+}
+
+TEST_F(NoSandbox, ForWantOfItsProgramIsAWarning) {
+    Spoil("bwrap");
+    ExpectGoodPageAndWarning("/usr/bin/bwrap: Permission denied");
+}
+
+TEST_F(NoSandbox, ForWantOfTheBusProxyIsAWarning) {
+    Spoil("xdg-dbus-proxy");
+    ExpectGoodPageAndWarning("/usr/bin/xdg-dbus-proxy: Permission denied");
+}
+
+TEST_F(NoSandbox, WhereTheKernelForbidsItIsAWarningInTheWordsOfItsProgram) {
+    Replace("bwrap", "echo 'bwrap: No permissions to create new namespace' >&2; exit 1");
+    ExpectGoodPageAndWarning("bwrap: No permissions to create new namespace");
+}
+
+TEST_F(NoSandbox, ForAProgramThatSaysNothingIsAWarning) {
+    Replace("bwrap", "exit 1");
+    ExpectGoodPageAndWarning("/usr/bin/bwrap: failed");
+}
+
+// Its end must not come between the sandbox's program and the child that waits for it.
+TEST_F(NoSandbox, IsLookedForInVainWhereTheProgramEndsAtOnce) {
+    for (int i = 0; i < 10; ++i) {
+        ASSERT_NO_FATAL_FAILURE(Launch({AgentPort()}, {{"DISPLAY", std::nullopt}}));
+        EXPECT_EQ(AwaitPromptEnd(), "exited with status 1");
+    }
+    // Nobody runs it any more.
+    Replace("bwrap", "exit 0");
+}
+
+TEST_F(NoSandbox, ForAProgramThatHangsDelaysTheStartAndNothingElse) {
+    Replace("bwrap", "exec sleep infinity");
+    ExpectGoodPageAndWarning("/usr/bin/bwrap: Connection timed out");
 }
 
 TEST_F(Faults, ASignalOfABrokenPipeDoesNothing) {

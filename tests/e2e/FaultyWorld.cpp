@@ -11,7 +11,12 @@ namespace fs = std::filesystem;
 constexpr gid_t kKeepGroup = static_cast<gid_t>(-1);
 
 const std::string kPrograms = ENGINE_PROGRAMS;
-constexpr const char* kSpoilt[] = {"WebKitNetworkProcess", "WebKitWebProcess"};
+const std::string kSpoilt[] = {kPrograms + "/WebKitNetworkProcess", kPrograms + "/WebKitWebProcess",
+                               "/usr/bin/bwrap", "/usr/bin/xdg-dbus-proxy"};
+
+std::string NameOf(const std::string& path) {
+    return fs::path(path).filename();
+}
 
 }  // namespace
 
@@ -25,8 +30,8 @@ FaultyWorld::FaultyWorld() {
         WriteFile(m_folder.Path(name) + "/" + kCookieStore, "");
         fs::permissions(m_folder.Path(name), fs::perms(0755));
     }
-    for (const char* const name : kSpoilt) {
-        fs::copy_file(kPrograms + "/" + name, Program(name));
+    for (const std::string& path : kSpoilt) {
+        fs::copy_file(path, Program(NameOf(path)));
     }
 }
 
@@ -48,8 +53,8 @@ PrivateWorld FaultyWorld::Describe() const {
         // What an ordinary user cannot give away, root has plenty of.
         world.coveredFiles[foreignStore] = "/etc/group";
     }
-    for (const char* const name : kSpoilt) {
-        world.coveredFiles[kPrograms + "/" + name] = Program(name);
+    for (const std::string& path : kSpoilt) {
+        world.coveredFiles[path] = Program(NameOf(path));
     }
     return world;
 }

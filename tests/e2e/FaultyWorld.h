@@ -24,7 +24,7 @@ public:
     /// The world to enter.
     [[nodiscard]] PrivateWorld Describe() const;
 
-    /// The file that is run as this program of the engine.
+    /// The file that is run as this program of the engine or of its sandbox.
     [[nodiscard]] std::string Program(const std::string& name) const;
 
     /// A folder of the user's with another user's cookie store in it.

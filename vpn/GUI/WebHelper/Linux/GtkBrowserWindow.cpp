@@ -22,6 +22,7 @@
 #include "MsgCatalog.h"
 #include "PageGuard.h"
 #include "PageOperation.h"
+#include "Sandbox.h"
 #include "TlsErrorText.h"
 #include "UserAgent.h"
 
@@ -312,6 +313,7 @@ void GtkBrowserWindow::init(GtkApplication* application) {
     webkit_web_context_set_process_model(m_parts->webContext.get(),
                                          WEBKIT_PROCESS_MODEL_SHARED_SECONDARY_PROCESS);
     G_GNUC_END_IGNORE_DEPRECATIONS
+    ConfineWebProcesses(m_parts->webContext.get());
     RefuseDownloads(m_parts->webContext.get());
     WebKitCookieManager* const manager =
         webkit_web_context_get_cookie_manager(m_parts->webContext.get());

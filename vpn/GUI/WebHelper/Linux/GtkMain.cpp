@@ -14,6 +14,7 @@
 #include "InstallRoot.h"
 #include "InstanceSmartPtr.h"
 #include "ProcessSetup.h"
+#include "Sandbox.h"
 #include "StoragePath.h"
 
 namespace {
@@ -108,6 +109,8 @@ int RunApplication(int argc, char** argv) {
 int main(int argc, char** argv) {
     KeepSecretsPrivate();
     DoWithoutGraphicsDriver();
+    DoWithoutPortal();
+    BeginSandboxProbe();
     LogWhatEndsTheProgram();
     const CInstanceSmartPtr<StoragePath> storagePath = CreateStoragePath();
     SetUpTranslation();

@@ -13,6 +13,10 @@ void KeepSecretsPrivate();
 /// alone. Must be called first of all, while there is one thread.
 void DoWithoutGraphicsDriver();
 
+/// Keeps the libraries of a confined web process from asking the desktop's portal, which could keep
+/// the page waiting for half a minute. Must be called first of all, while there is one thread.
+void DoWithoutPortal();
+
 /// Logs the messages with which the toolkit or the engine ends the program, which otherwise go to
 /// the error stream alone. Called once, before the application runs.
 void LogWhatEndsTheProgram();
