@@ -274,7 +274,7 @@ class FewDescriptors : public Faults {
 protected:
     /// From now on the program gets no descriptor but so many more.
     void LimitTo(rlim_t more) const {
-        const std::string folder = "/proc/" + std::to_string(m_helper.Pid()) + "/fd";
+        const std::string folder = "/proc/" + std::to_string(m_helper.Pid()) + "/fdinfo";
         rlim_t highest = 0;
         for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
             highest = std::max<rlim_t>(highest, std::stoul(entry.path().filename()));

@@ -1,12 +1,15 @@
 // What the program keeps to itself.
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
 
+#include "HelperProgram.h"
 #include "HelperTest.h"
 #include "ProcessFamily.h"
+#include "ProgramRun.h"
 #include "WaitUntil.h"
 
 namespace {
@@ -46,6 +49,35 @@ std::string CoreLimitOf(pid_t process) {
         }
     }
     return "";
+}
+
+/// A line of the process's status, such as "NoNewPrivs:\t1".
+std::string StatusOf(pid_t process, const std::string& name) {
+    std::ifstream status("/proc/" + std::to_string(process) + "/status");
+    for (std::string line; std::getline(status, line);) {
+        if (line.rfind(name, 0) == 0) {
+            return line;
+        }
+    }
+    return "";
+}
+
+/// What an ordinary user runs. Root may read every process, so it must give that up.
+std::vector<std::string> AsOrdinaryUser(const std::vector<std::string>& command) {
+    std::vector<std::string> whole;
+    if (geteuid() == 0) {
+        whole = {"/usr/bin/setpriv", "--bounding-set=-all"};
+    }
+    whole.insert(whole.end(), command.begin(), command.end());
+    return whole;
+}
+
+/// How another process of the user fares that reads something of a process.
+std::string EndOfReading(pid_t process, const std::string& file) {
+    LaunchCommand command;
+    command.arguments = AsOrdinaryUser(
+        {"/usr/bin/head", "--bytes=1", "/proc/" + std::to_string(process) + "/" + file});
+    return RunProgram(command).end;
 }
 
 class Secrets : public HelperTest {
@@ -97,6 +129,35 @@ TEST_F(Secrets, NoProcessLeavesACoreFile) {
     EXPECT_THAT(family, Not(IsEmpty()));
     for (const pid_t process : family) {
         EXPECT_THAT(CoreLimitOf(process), StartsWith("0 "));
+    }
+}
+
+TEST_F(Secrets, NoOtherProcessOfTheUserReadsTheProgram) {
+    LaunchCommand command;
+    command.arguments = AsOrdinaryUser({HelperPath(), AgentPort()});
+    std::string reason;
+    ASSERT_TRUE(m_helper.Start(command, reason)) << reason;
+    auto connection = m_agent.Accept(DeadlineIn(kTestDeadline));
+    ASSERT_TRUE(connection.has_value());
+    CBrowserResult ready;
+    ASSERT_EQ(connection->ReceiveResult(ready, DeadlineIn(kTestDeadline)),
+              ReceiveOutcome::Received);
+    EXPECT_EQ(EndOfReading(m_helper.Pid(), "maps"), "exited with status 1");
+    EXPECT_EQ(EndOfReading(m_helper.Pid(), "environ"), "exited with status 1");
+    // The same reader does read a process that lets it.
+    const auto children = DescendantsRunning(m_helper.Pid(), "WebKitNetworkProcess");
+    ASSERT_THAT(children, testing::SizeIs(1));
+    EXPECT_EQ(EndOfReading(*children.begin(), "maps"), "exited with status 0");
+}
+
+TEST_F(Secrets, NoProcessCanGainRights) {
+    ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
+    ShowWaitingPage();
+    auto family = Descendants(m_helper.Pid());
+    EXPECT_THAT(family, Not(IsEmpty()));
+    family.insert(m_helper.Pid());
+    for (const pid_t process : family) {
+        EXPECT_EQ(StatusOf(process, "NoNewPrivs:"), "NoNewPrivs:\t1") << ProgramOf(process);
     }
 }
 

@@ -81,7 +81,7 @@ protected:
             sample.engine.proportional += memory.proportional;
             ++sample.processes;
         }
-        const std::string folder = "/proc/" + std::to_string(m_helper.Pid()) + "/fd";
+        const std::string folder = "/proc/" + std::to_string(m_helper.Pid()) + "/fdinfo";
         sample.descriptors = static_cast<std::size_t>(
             std::distance(std::filesystem::directory_iterator(folder), {}));
         return sample;

@@ -66,7 +66,7 @@ protected:
 TEST_F(Traces, TheEnginesProcessesDoNotInheritTheConnection) {
     ShowWaitingPage();
     const std::string connection = SocketConnectedTo(m_agent.Port());
-    EXPECT_THAT(SocketsOf(m_helper.Pid()), testing::Contains(connection));
+    ASSERT_NE(connection, "");
     std::set<std::string> names;
     for (const pid_t process : Descendants(m_helper.Pid())) {
         names.insert(ProgramOf(process));

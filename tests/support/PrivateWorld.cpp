@@ -83,11 +83,13 @@ void UnshareMounts() {
     Check(mount(nullptr, "/", "none", MS_REC | MS_PRIVATE, nullptr) == 0, "make mounts private");
 }
 
-// An ordinary user shall not be spared the permission checks of its own files.
+// An ordinary user shall not be spared the permission checks of its own files. But tests look into
+// processes that keep others out. A process that they start gets no capability.
 void DropCapabilities() {
     __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
-    __user_cap_data_struct none[_LINUX_CAPABILITY_U32S_3] = {};
-    Check(syscall(SYS_capset, &header, none) == 0, "drop capabilities");
+    __user_cap_data_struct kept[_LINUX_CAPABILITY_U32S_3] = {};
+    kept[0].permitted = kept[0].effective = 1U << CAP_SYS_PTRACE;
+    Check(syscall(SYS_capset, &header, kept) == 0, "drop capabilities");
 }
 
 void KeepEntry(const fs::path& original, const fs::path& target) {

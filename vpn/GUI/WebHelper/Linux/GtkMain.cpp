@@ -107,6 +107,7 @@ int RunApplication(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    KeepOthersOut();
     KeepSecretsPrivate();
     DoWithoutGraphicsDriver();
     DoWithoutPortal();

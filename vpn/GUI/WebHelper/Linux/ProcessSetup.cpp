@@ -1,6 +1,7 @@
 #include "ProcessSetup.h"
 
 #include <glib-unix.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 
@@ -92,11 +93,19 @@ void LogWhatEndsTheProgram() {
     g_log_set_writer_func(writeMessageCB, nullptr, nullptr);
 }
 
+void KeepOthersOut() {
+    // A handler of crashes that the kernel starts gets the memory whatever the limit for core
+    // files.
+    prctl(PR_SET_DUMPABLE, 0, 0, 0, 0);
+    prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
+}
+
 void KeepSecretsPrivate() {
     umask(S_IRWXG | S_IRWXO);
     rlimit limit;
     if (getrlimit(RLIMIT_CORE, &limit) == 0) {
-        // The hard limit stays: whoever looks for a fault can still ask for core files.
+        // The hard limit stays: whoever looks for a fault of the engine's processes can still ask
+        // for core files of theirs.
         limit.rlim_cur = 0;
         setrlimit(RLIMIT_CORE, &limit);
     }

@@ -7,6 +7,11 @@
 /// cookies. Must be called first of all, while there is one thread.
 void KeepSecretsPrivate();
 
+/// Keeps other processes of the same user, and whatever handles its crash, from reading this
+/// process's memory, which contains the cookies. Keeps all that it starts from gaining rights. Must
+/// be called first of all, while there is one thread.
+void KeepOthersOut();
+
 /// Keeps the toolkit and the engine from loading the graphics driver into this process, which draws
 /// nothing with it. This saves two fifths of the start-up time, and of the memory after the start.
 /// If the environment sets WEBKIT_DISABLE_DMABUF_RENDERER already, the engine's variables are left
