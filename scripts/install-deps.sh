@@ -22,7 +22,7 @@ packages=(
 )
 package_packages=(debhelper lintian)
 test_packages=(
-    "${package_packages[@]}" fakeroot groff-base
+    "${package_packages[@]}" apparmor fakeroot groff-base
     # the engine's newer API, which is tested beside the other
     libwebkit2gtk-4.1-dev libsoup-3.0-dev
     libbenchmark-dev libgmock-dev libgtest-dev dbus-bin dbus-daemon

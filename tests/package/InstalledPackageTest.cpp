@@ -57,9 +57,10 @@ protected:
     /// it changes owners: the private world of an ordinary user knows no other.
     [[nodiscard]] testing::AssertionResult Dpkg(const std::string& action,
                                                 const std::string& package) {
-        return Succeeds({"/usr/bin/fakeroot", "dpkg", "--root=" + m_root.Path(),
-                         "--log=" + m_output.Path("log"), action, package},
-                        {{"PATH", "/usr/sbin:/usr/bin:/sbin:/bin"}, {"FAKEROOTDONTTRYCHOWN", "1"}});
+        return Succeeds(
+            {"/usr/bin/fakeroot", "dpkg", "--root=" + m_root.Path(), "--force-script-chrootless",
+             "--log=" + m_output.Path("log"), action, package},
+            {{"PATH", "/usr/sbin:/usr/bin:/sbin:/bin"}, {"FAKEROOTDONTTRYCHOWN", "1"}});
     }
 
     /// Everything in the root but dpkg's own database.

@@ -19,6 +19,7 @@ diff - <(cd "$folder/program" && find . -type f ! -path '*/l10n/*' -printf '%m %
 644 ./usr/share/doc/tunnelkeep-webhelper/copyright
 644 ./usr/share/lintian/overrides/tunnelkeep-webhelper
 644 ./usr/share/man/man1/tkwebhelper.1.gz
+644 ./usr/share/tunnelkeep-webhelper/apparmor-profile
 LIST
 cmp "$(dirname "$0")/../../resources/vpnui128.png" \
     "$folder/program/opt/velto/tunnelkeep/resources/vpnui128.png"
