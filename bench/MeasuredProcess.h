@@ -14,6 +14,12 @@
 
 using Environment = std::map<std::string, std::optional<std::string>>;
 
+/// The helper whose pages run outside the engine's sandbox, and how it is made so.
+constexpr char kUnconfined[] = "Unconfined";
+[[nodiscard]] inline Environment WithoutSandbox() {
+    return {{"WEBKIT_DISABLE_SANDBOX_THIS_IS_DANGEROUS", "1"}};
+}
+
 /// A program that is measured, with all of its processes. Here and below, functions throw if what
 /// they wait for never comes.
 class MeasuredProcess {

@@ -1,7 +1,11 @@
 // A process's private memory: after the start, after a page and after long use.
 
+#include <numeric>
+#include <set>
+
 #include "MeasuredProcess.h"
 #include "ProcessBenchmark.h"
+#include "ProcessFamily.h"
 #include "ProcessMemory.h"
 
 namespace {
@@ -15,12 +19,25 @@ void ReportMemory(const std::string& measure, const std::string& program,
            static_cast<double>(MemoryOf(process.Pid()).unshared), "KiB");
 }
 
-void StartHelper(TimedPages& pages) {
-    MeasuredHelper helper;
-    ReportMemory("after the start", "Ours", helper.Process());
+/// The processes that a page needs, and their memory.
+void ReportFamily(const std::string& program, const MeasuredProcess& process) {
+    std::set<pid_t> family = Descendants(process.Pid());
+    family.insert(process.Pid());
+    const long memory =
+        std::accumulate(family.begin(), family.end(), 0L,
+                        [](long sum, pid_t member) { return sum + MemoryOf(member).proportional; });
+    Report("processes with a page", program, static_cast<double>(family.size()), "");
+    Report("proportional memory of all with a page", program, static_cast<double>(memory), "KiB");
+}
+
+void StartHelper(TimedPages& pages, const std::string& name = "Ours",
+                 const Environment& environment = {}) {
+    MeasuredHelper helper(environment);
+    ReportMemory("after the start", name, helper.Process());
     helper.Browse(pages.NewPage());
     static_cast<void>(helper.AwaitResult(BrowserResultType::success));
-    ReportMemory("after a page", "Ours", helper.Process());
+    ReportMemory("after a page", name, helper.Process());
+    ReportFamily(name, helper.Process());
 }
 
 void StartFloor(TimedPages& pages) {
@@ -30,6 +47,7 @@ void StartFloor(TimedPages& pages) {
     floor.Tell("load " + pages.NewPage());
     static_cast<void>(floor.AwaitLine("finished"));
     ReportMemory("after a page", "Floor", floor.Process());
+    ReportFamily("Floor", floor.Process());
 }
 
 /// Does something again and again in one process. Reports the process's memory after the first
@@ -82,7 +100,9 @@ void EndureResetsInFloor(int count) {
 }  // namespace
 
 void Measure(const Amount& amount, TimedPages& pages) {
-    Interleave(amount.rounds, {[&] { StartHelper(pages); }, [&] { StartFloor(pages); }});
+    Interleave(amount.rounds, {[&] { StartHelper(pages); },
+                               [&] { StartHelper(pages, kUnconfined, WithoutSandbox()); },
+                               [&] { StartFloor(pages); }});
     // One process at a time, because memory that two processes share counts as private to neither.
     EndureOperationsInHelper(pages, amount.operations);
     EndureOperationsInFloor(pages, amount.operations);

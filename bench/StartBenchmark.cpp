@@ -19,15 +19,20 @@ const char* HowShown(bool show) {
     return show ? "shown" : "hidden";
 }
 
-void StartHelper(TimedPages& pages, bool show) {
+void StartHelper(TimedPages& pages, bool show, const std::string& name = "Ours",
+                 const Environment& environment = {}) {
     EmptyHome();
     const std::string url = pages.NewPage();
-    MeasuredHelper helper;
+    MeasuredHelper helper(environment);
     helper.Browse(url, show);
     const Moment start = helper.Process().Start();
-    Report("start to connected", "Ours", start, helper.Connected());
-    Report("start to ready", "Ours", start, helper.Ready());
-    ReportPage(HowShown(show), "Ours", start, pages, url);
+    Report("start to connected", name, start, helper.Connected());
+    Report("start to ready", name, start, helper.Ready());
+    ReportPage(HowShown(show), name, start, pages, url);
+}
+
+void StartUnconfinedHelper(TimedPages& pages) {
+    StartHelper(pages, false, kUnconfined, WithoutSandbox());
 }
 
 void StartFloor(TimedPages& pages, bool show) {
@@ -51,9 +56,8 @@ void StartBrowser(TimedPages& pages, const std::string& name, const std::string&
 
 void Measure(const Amount& amount, TimedPages& pages) {
     std::vector<std::function<void()>> programs{
-        [&] { StartHelper(pages, false); },
-        [&] { StartFloor(pages, false); },
-        [&] { StartHelper(pages, true); },
+        [&] { StartHelper(pages, false); }, [&] { StartUnconfinedHelper(pages); },
+        [&] { StartFloor(pages, false); },  [&] { StartHelper(pages, true); },
         [&] { StartFloor(pages, true); },
     };
     for (const auto& [name, path] :
