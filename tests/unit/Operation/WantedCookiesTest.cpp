@@ -58,3 +58,28 @@ TEST(WantedCookies, AreNoOtherNamesAndNoEmptyValues) {
     EXPECT_EQ(TextOf(kWanted.FindFirst({})), "");
     EXPECT_EQ(TextOf(kWanted.FindPreferred({})), "");
 }
+
+TEST(WantedCookies, AreNotWithoutAName) {
+    const std::vector<StoredCookie> nameless{Cookie("", "loner")};
+    for (const CWantedCookies& wanted : {CWantedCookies("sid", ""), CWantedCookies("", "")}) {
+        EXPECT_EQ(TextOf(wanted.FindFirst(nameless)), "");
+        EXPECT_EQ(TextOf(wanted.FindPreferred(nameless)), "");
+        EXPECT_EQ(TextOf(wanted.FindInHeader("loner; Path=/")), "");
+    }
+}
+
+TEST(WantedCookies, AreNotWithoutWhatTheirPrefixPromises) {
+    const CWantedCookies wanted("__Host-sid", "__Secure-err");
+    const StoredCookie forged{"__Host-sid", "forged", ".host", "/", true};
+    const StoredCookie genuine{"__Host-sid", "abc", "host", "/", true};
+    EXPECT_EQ(TextOf(wanted.FindFirst({forged, Cookie("__Secure-err", "forged")})), "");
+    EXPECT_EQ(TextOf(wanted.FindFirst({forged, genuine})), "success_with_cookie abc");
+    EXPECT_EQ(TextOf(wanted.FindPreferred({forged, {"__Secure-err", "no", ".host", "/x", true}})),
+              "error_cookie no");
+}
+
+TEST(WantedCookies, AreNotFoundInAHeaderWhenTheirNameHasAPrefix) {
+    const CWantedCookies wanted("__Host-sid", "__Secure-err");
+    EXPECT_EQ(TextOf(wanted.FindInHeader("__Host-sid=abc; Path=/; Secure")), "");
+    EXPECT_EQ(TextOf(wanted.FindInHeader("__Secure-err=no; Secure")), "");
+}

@@ -20,7 +20,8 @@ void onCookieListItem(gpointer item, gpointer cookies) {
     const std::unique_ptr<SoupCookie, SoupCookieFree> cookie(static_cast<SoupCookie*>(item));
     static_cast<std::vector<StoredCookie>*>(cookies)->push_back(
         {soup_cookie_get_name(cookie.get()), soup_cookie_get_value(cookie.get()),
-         soup_cookie_get_domain(cookie.get()), soup_cookie_get_path(cookie.get())});
+         soup_cookie_get_domain(cookie.get()), soup_cookie_get_path(cookie.get()),
+         soup_cookie_get_secure(cookie.get()) != FALSE});
 }
 
 std::vector<StoredCookie> TakeCookies(GList* list) {

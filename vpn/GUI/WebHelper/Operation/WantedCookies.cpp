@@ -3,15 +3,25 @@
 #include <utility>
 
 #include "CookieHeader.h"
+#include "CookiePrefix.h"
+
+namespace {
+
+// The search does not tell which attributes belong to the cookie. The store does.
+std::string ValueInHeader(const std::string& header, const std::string& name) {
+    return HasPrefix(name) ? "" : ExtractCookieValue(header, name);
+}
+
+}  // namespace
 
 CWantedCookies::CWantedCookies(std::string name, std::string errorName)
     : m_name(std::move(name)), m_errorName(std::move(errorName)) {}
 
 std::optional<DecidingCookie> CWantedCookies::FindInHeader(const std::string& header) const {
-    if (std::string value = ExtractCookieValue(header, m_name); !value.empty()) {
+    if (std::string value = ValueInHeader(header, m_name); !value.empty()) {
         return DecidingCookie{BrowserResultType::success_with_cookie, std::move(value)};
     }
-    if (std::string value = ExtractCookieValue(header, m_errorName); !value.empty()) {
+    if (std::string value = ValueInHeader(header, m_errorName); !value.empty()) {
         return DecidingCookie{BrowserResultType::error_cookie, std::move(value)};
     }
     return std::nullopt;
@@ -43,7 +53,8 @@ std::optional<DecidingCookie> CWantedCookies::FindPreferred(
 }
 
 std::optional<DecidingCookie> CWantedCookies::Judge(const StoredCookie& cookie) const {
-    if (cookie.value.empty()) {
+    // An operation without an error cookie has an empty name for it.
+    if (cookie.name.empty() || cookie.value.empty() || !KeepsPrefixPromise(cookie)) {
         return std::nullopt;
     }
     if (cookie.name == m_name) {

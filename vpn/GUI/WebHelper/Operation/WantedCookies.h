@@ -14,7 +14,8 @@ struct DecidingCookie {
 };
 
 /// The names of the two cookies that decide an operation: one means success, the other means that
-/// the server refused. A cookie without a value decides nothing. Immutable.
+/// the server refused. A cookie without a name or a value decides nothing, nor does one that lacks
+/// what its name's prefix promises. Immutable.
 class CWantedCookies {
 public:
     /// No cookie is wanted.
@@ -24,7 +25,8 @@ public:
     /// Whether the operation wants a cookie.
     [[nodiscard]] bool AreWanted() const { return !m_name.empty(); }
 
-    /// Searches the text of a "Set-Cookie" header, for the error cookie last.
+    /// Searches the text of a "Set-Cookie" header, for the error cookie last. Finds no cookie whose
+    /// name has a prefix.
     [[nodiscard]] std::optional<DecidingCookie> FindInHeader(const std::string& header) const;
 
     /// Returns the first cookie of the list that is one of the two.
