@@ -18,7 +18,7 @@ void ScriptedEngine::SetLoading(bool loading) {
 }
 
 void ScriptedEngine::TellLoadChanged(WebKitLoadEvent event, guint status) {
-    m_response.status = status;
+    m_status = status;
     g_signal_emit_by_name(m_view, "load-changed", event);
 }
 
@@ -38,19 +38,9 @@ void ScriptedEngine::TellResourceStarted(const std::string& uri) {
     g_object_unref(request);
 }
 
-void ScriptedEngine::TellResponse(const Response& response) {
-    m_response = response;
-    m_hasResponse = true;
-    g_object_notify(G_OBJECT(m_resource), "response");
-}
-
 void ScriptedEngine::TellNoResponse() {
     m_hasResponse = false;
     g_object_notify(G_OBJECT(m_resource), "response");
-}
-
-void ScriptedEngine::TellCookiesChanged() {
-    g_signal_emit_by_name(m_cookieManager, "changed");
 }
 
 void ScriptedEngine::AnswerQuery(const Cookies& cookies) {
@@ -75,15 +65,11 @@ struct ScriptedEngineFunctions {
     static void Forget() { Engine().m_uri.clear(); }
     static WebKitWebResource* Resource() { return Engine().m_resource; }
     static bool HasResponse() { return Engine().m_hasResponse; }
-    static const ScriptedEngine::Response& CurrentResponse() { return Engine().m_response; }
+    static guint Status() { return Engine().m_status; }
 
     static void AddQuery(WebKitCookieManager* manager, GAsyncReadyCallback callback,
                          gpointer data) {
         Engine().m_queries.push_back({manager, callback, data});
-    }
-
-    static void SetCookieManager(WebKitCookieManager* manager) {
-        Engine().m_cookieManager = manager;
     }
 
     static GList* FinishQuery() {
@@ -125,24 +111,7 @@ WebKitURIResponse* webkit_web_resource_get_response(WebKitWebResource* resource)
 }
 
 guint webkit_uri_response_get_status_code(WebKitURIResponse* /*response*/) {
-    return ScriptedEngineFunctions::CurrentResponse().status;
-}
-
-const gchar* webkit_uri_response_get_mime_type(WebKitURIResponse* /*response*/) {
-    return ScriptedEngineFunctions::CurrentResponse().type.c_str();
-}
-
-const gchar* webkit_uri_response_get_uri(WebKitURIResponse* /*response*/) {
-    return ScriptedEngineFunctions::CurrentResponse().uri.c_str();
-}
-
-SoupMessageHeaders* webkit_uri_response_get_http_headers(WebKitURIResponse* /*response*/) {
-    return nullptr;
-}
-
-void webkit_cookie_manager_set_accept_policy(WebKitCookieManager* manager,
-                                             WebKitCookieAcceptPolicy /*policy*/) {
-    ScriptedEngineFunctions::SetCookieManager(manager);
+    return ScriptedEngineFunctions::Status();
 }
 
 void webkit_cookie_manager_get_cookies(WebKitCookieManager* manager, const gchar* /*uri*/,

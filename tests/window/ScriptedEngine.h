@@ -15,13 +15,6 @@ class ScriptedEngine {
 public:
     using Cookies = std::vector<std::pair<std::string, std::string>>;
 
-    /// What the response at hand says.
-    struct Response {
-        guint status = 200;
-        std::string type = "text/html";
-        std::string uri;
-    };
-
     static ScriptedEngine& Instance();
 
     /// Takes every view that is made from here on, and forgets all that was.
@@ -39,10 +32,8 @@ public:
     void TellLoadChanged(WebKitLoadEvent event, guint status = 200);
     void TellLoadFailed(GQuark domain, int code);
     void TellResourceStarted(const std::string& uri);
-    void TellResponse(const Response& response);
     /// Announces a response that is not there.
     void TellNoResponse();
-    void TellCookiesChanged();
     /// Answers the oldest query with these cookies.
     void AnswerQuery(const Cookies& cookies);
 
@@ -56,9 +47,8 @@ private:
     };
 
     WebKitWebView* m_view = nullptr;
-    WebKitCookieManager* m_cookieManager = nullptr;
     WebKitWebResource* m_resource = nullptr;
-    Response m_response;
+    guint m_status = 200;
     bool m_hasResponse = true;
     std::string m_uri;
     bool m_loading = false;

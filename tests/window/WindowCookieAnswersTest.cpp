@@ -25,22 +25,60 @@ struct Query {
 };
 
 std::vector<Query> queries;
+// The queries for every cookie, for whose answers requests wait. They are answered at once unless a
+// test holds them.
+std::vector<Query> heldQueries;
+bool areHeld = false;
 // What the next answer says.
 Cookies answerCookies;
 std::optional<std::string> answerError;
 
 class WindowCookieAnswersTest : public OpenWindowTest {
 protected:
-    WindowCookieAnswersTest() { queries.clear(); }
+    WindowCookieAnswersTest() {
+        queries.clear();
+        heldQueries.clear();
+        areHeld = false;
+    }
 
     std::string Url(const std::string& path) { return m_server.Url(path); }
 
-    // Carries a cookie operation out up to its query.
+    // Carries a cookie operation out up to the query of its final page.
     void BrowseUpToQuery(const std::string& path) {
         m_server.ServePage(path, "hello");
+        Send(Operation::BrowseForCookie(Url(path), Url(path), "sid", "err").Shown());
+        WaitForQuery();
+    }
+
+    // The final page's query comes behind the one for what the page brings, which is nothing.
+    void WaitForQuery() {
         const std::size_t before = queries.size();
-        Send(Operation::BrowseForCookie(Url(path), Url(path), "sid", "err"));
-        ASSERT_TRUE(RunMainLoopUntil([&] { return queries.size() > before; }));
+        ASSERT_TRUE(RunMainLoopUntil([&] { return queries.size() == before + 2; }));
+        Answer({}, before);
+        queries.erase(queries.begin() + static_cast<std::ptrdiff_t>(before));
+    }
+
+    // Carries a cookie operation out up to the request of its second page, which waits for the
+    // store.
+    void BrowseUpToRequest(const std::string& path) {
+        m_server.ServePage("/first" + path, "first");
+        m_server.ServePage(path, "hello");
+        areHeld = false;
+        const std::size_t before = heldQueries.size();
+        Send(Operation::BrowseForCookie(Url("/first" + path), Url(path), "sid", "err"));
+        ASSERT_TRUE(m_loads.WaitFor("FINISHED " + Url("/first" + path)));
+        ASSERT_EQ(queries.size(), 1U);
+        Answer({});
+        queries.clear();
+        areHeld = true;
+        webkit_web_view_load_uri(View(), Url(path).c_str());
+        ASSERT_TRUE(RunMainLoopUntil([&] { return heldQueries.size() > before; }));
+    }
+
+    static void ReleaseRequest(std::size_t index = 0) {
+        const Query query = heldQueries.at(index);
+        answerCookies.clear();
+        query.callback(G_OBJECT(query.manager), nullptr, query.data);
     }
 
     static void Answer(const Cookies& cookies, std::size_t query = 0) {
@@ -53,6 +91,7 @@ protected:
         answerCookies.clear();
         answerError = message;
         CallBack(0);
+        answerError.reset();
     }
 
 private:
@@ -86,7 +125,62 @@ GList* webkit_cookie_manager_get_cookies_finish(WebKitCookieManager* /*manager*/
     return list;
 }
 
+void webkit_cookie_manager_get_all_cookies(WebKitCookieManager* manager,
+                                           GCancellable* /*cancellable*/,
+                                           GAsyncReadyCallback callback, gpointer data) {
+    if (areHeld) {
+        heldQueries.push_back({"", manager, callback, data});
+    } else {
+        callback(G_OBJECT(manager), nullptr, data);
+    }
+}
+
+GList* webkit_cookie_manager_get_all_cookies_finish(WebKitCookieManager* manager,
+                                                    GAsyncResult* result, GError** error) {
+    return webkit_cookie_manager_get_cookies_finish(manager, result, error);
+}
+
 }  // extern "C"
+
+TEST_F(WindowCookieAnswersTest, AsksTheServerWhenTheStoreHasAnswered) {
+    BrowseUpToRequest("/page");
+    EXPECT_EQ(m_server.CountRequests("/page"), 0U);
+    ReleaseRequest();
+    WaitForQuery();
+    Answer({{"sid", "abc"}});
+    EXPECT_THAT(Results(), ElementsAre("success_with_cookie abc"));
+}
+
+TEST_F(WindowCookieAnswersTest, ARequestThatWaitsIsReplacedByTheNextOperation) {
+    BrowseUpToRequest("/page");
+    BrowseUpToRequest("/next");
+    ReleaseRequest(0);
+    ReleaseRequest(1);
+    WaitForQuery();
+    Answer({{"sid", "abc"}});
+    EXPECT_THAT(Results(), ElementsAre("success_with_cookie abc"));
+    EXPECT_EQ(m_server.CountRequests("/page"), 0U);
+}
+
+TEST_F(WindowCookieAnswersTest, ARequestThatWaitsEndsWithItsView) {
+    BrowseUpToRequest("/page");
+    Send(Operation::OfType(BrowserOperationType::reset));
+    ASSERT_TRUE(WaitForResults(1));
+    ReleaseRequest();
+    BrowseUpToRequest("/next");
+    ReleaseRequest(1);
+    WaitForQuery();
+    Answer({{"sid", "abc"}});
+    EXPECT_THAT(Results(), ElementsAre("ready", "success_with_cookie abc"));
+    EXPECT_EQ(m_server.CountRequests("/page"), 0U);
+}
+
+TEST_F(WindowCookieAnswersTest, ARequestThatWaitsEndsWithTheWindow) {
+    BrowseUpToRequest("/page");
+    Shut();
+    ReleaseRequest();
+    EXPECT_THAT(Results(), IsEmpty());
+}
 
 TEST_F(WindowCookieAnswersTest, AsksOnceForThePageThatItIsOn) {
     BrowseUpToQuery("/page");
@@ -105,7 +199,7 @@ TEST_F(WindowCookieAnswersTest, LogsAFailedQueryAndStaysOpen) {
     EXPECT_THAT(LogLines(),
                 ElementsAre("E Unable to get cookies from cookie manager. the jar is closed"));
     webkit_web_view_reload(View());
-    ASSERT_TRUE(RunMainLoopUntil([&] { return queries.size() == 2; }));
+    WaitForQuery();
     Answer({{"sid", "abc"}}, 1);
     EXPECT_THAT(Results(), ElementsAre("success_with_cookie abc"));
 }
@@ -134,10 +228,8 @@ TEST_F(WindowCookieAnswersTest, SaysThatNothingMatchesOnce) {
 }
 
 TEST_F(WindowCookieAnswersTest, AnAnswerBehindTheResultSaysNothing) {
-    m_server.ServePage("/page", "hello");
-    ShowPage("/page");
-    Send(Operation::BrowseForCookie(Url("/page"), Url("/page"), "sid").Shown());
-    ASSERT_TRUE(RunMainLoopUntil([] { return !queries.empty(); }));
+    BrowseUpToQuery("/page");
+    ASSERT_TRUE(WaitUntilShown());
     CloseWindow();
     Answer({{"other", "1"}});
     EXPECT_THAT(Results(), ElementsAre("cancel"));
@@ -171,9 +263,8 @@ TEST_F(WindowCookieAnswersTest, AnAnswerBehindTheWindowsEndIsDropped) {
 }
 
 TEST_F(WindowCookieAnswersTest, AnAnswerAfterTheUsersClosingIsNotTheNextOnes) {
-    m_server.ServePage("/page", "hello");
-    Send(Operation::BrowseForCookie(Url("/page"), Url("/page"), "sid", "err").Shown());
-    ASSERT_TRUE(RunMainLoopUntil([&] { return !queries.empty() && IsShown(); }));
+    BrowseUpToQuery("/page");
+    ASSERT_TRUE(WaitUntilShown());
     CloseWindow();
     BrowseUpToQuery("/next");
     Answer({{"sid", "abc"}}, 0);
@@ -200,11 +291,12 @@ TEST_F(WindowCookieAnswersTest, AQuickAgentGetsOneResultOfOneWalk) {
     EXPECT_THAT(LogLines(), IsEmpty());
 }
 
-TEST_F(WindowCookieAnswersTest, AsksNothingWhenAHeaderHasBroughtTheCookie) {
+TEST_F(WindowCookieAnswersTest, AsksNothingAtTheEndWhenAHeaderHasBroughtTheCookie) {
     m_server.ServePage("/page", "hello");
     const AddedHeader header(View(), Url("/page"), "sid=abc; Path=/");
     Send(Operation::BrowseForCookie(Url("/page"), Url("/page"), "sid"));
     ASSERT_TRUE(m_loads.WaitFor("FINISHED " + Url("/page")));
-    EXPECT_THAT(queries, IsEmpty());
+    // The one for what the page brings: the header is announced behind it.
+    EXPECT_EQ(queries.size(), 1U);
     EXPECT_THAT(Results(), ElementsAre("success_with_cookie abc"));
 }

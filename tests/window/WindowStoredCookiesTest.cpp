@@ -10,6 +10,10 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
+HttpResponse PageWithCookie(const std::string& setCookie) {
+    return {200, "hello", "text/html", {{"Set-Cookie", setCookie}}};
+}
+
 class WindowStoredCookiesTest : public OpenWindowTest {
 protected:
     void ServeWithCookies(const std::string& path, const std::vector<std::string>& cookies,
@@ -45,15 +49,23 @@ protected:
         return started;
     }
 
-    // A page of another host has finished, and so everything of the page before is decided: the
-    // engine answers queries in order.
-    void Settle() {
-        m_server.ServePage("/settled", "settled");
-        const std::string url = m_server.Url("/settled", "localhost");
-        webkit_web_view_load_uri(View(), url.c_str());
-        ASSERT_TRUE(m_loads.WaitFor("FINISHED " + url));
+    // A page of the final host that sets no cookie has finished, and so everything of the page
+    // before is decided: the engine answers queries in order.
+    void Settle() { SettleAt(m_server); }
+
+    void SettleAt(HttpServer& server) {
+        server.ServePage("/settled", "settled");
+        webkit_web_view_load_uri(View(), server.Url("/settled").c_str());
+        ASSERT_TRUE(m_loads.WaitFor("FINISHED " + server.Url("/settled")));
         ASSERT_TRUE(WaitForCookieQueries(View()));
     }
+
+    // An operation whose final page has TLS and is never reached.
+    void BrowseForSecureFrom(const std::string& url) {
+        Send(Operation::BrowseForCookie(url, m_secure.Url("/never"), "sid", "err"));
+    }
+
+    HttpServer m_secure{TestCertificate("good")};
 };
 
 }  // namespace
@@ -208,9 +220,199 @@ TEST_F(WindowStoredCookiesTest, ACookieThatIsFoundOnBothWaysCountsOnce) {
 }
 
 TEST_F(WindowStoredCookiesTest, ACookieForSecureConnectionsIsFound) {
-    HttpServer secure(TestCertificate("good"));
-    secure.Serve("/page", {200, "hello", "text/html", {{"Set-Cookie", "sid=abc; Path=/; Secure"}}});
-    Send(Operation::BrowseForCookie(secure.Url("/page"), secure.Url("/never"), "sid"));
+    m_secure.Serve("/page", PageWithCookie("sid=abc; Path=/; Secure"));
+    BrowseForSecureFrom(m_secure.Url("/page"));
     ASSERT_TRUE(WaitForResults(1));
     EXPECT_THAT(Results(), ElementsAre("success_with_cookie abc"));
+}
+
+// What was set before the page's own request.
+
+TEST_F(WindowStoredCookiesTest, ACookieOfAScriptEndsNothing) {
+    m_server.ServePage(
+        "/page", "<script>document.cookie = 'sid=forged; path=/'; location = '/next'</script>");
+    m_server.Serve("/next", PageWithCookie("theme=dark; Path=/"));
+    BrowseFrom(m_server.Url("/page"));
+    ASSERT_TRUE(m_loads.WaitFor("FINISHED " + m_server.Url("/next")));
+    Settle();
+    EXPECT_THAT(Results(), IsEmpty());
+    m_server.Serve("/welcome", PageWithCookie("sid=abc; Path=/"));
+    webkit_web_view_load_uri(View(), m_server.Url("/welcome").c_str());
+    ASSERT_TRUE(WaitForResults(1));
+    EXPECT_THAT(Results(), ElementsAre("success_with_cookie abc"));
+}
+
+TEST_F(WindowStoredCookiesTest, ACookieOfAFetchEndsNothing) {
+    m_server.ServePage("/page",
+                       "<script>fetch('/fetched').then(() => { location = '/next' })</script>");
+    m_server.Serve("/fetched", PageWithCookie("sid=forged; Path=/"));
+    m_server.Serve("/next", PageWithCookie("theme=dark; Path=/"));
+    BrowseFrom(m_server.Url("/page"));
+    ASSERT_TRUE(m_loads.WaitFor("FINISHED " + m_server.Url("/next")));
+    Settle();
+    EXPECT_THAT(Results(), IsEmpty());
+}
+
+TEST_F(WindowStoredCookiesTest, ACookieOfAnotherHostsDomainEndsNothing) {
+    const std::string next = m_server.Url("/next", "vpn.corp.localhost");
+    m_server.Serve("/page", PageWithCookie("sid=forged; Path=/; Domain=corp.localhost"));
+    m_server.Serve("/next", PageWithCookie("theme=dark; Path=/"));
+    const std::string url = m_server.Url("/page", "www.corp.localhost");
+    Send(Operation::BrowseForCookie(url, m_server.Url("/never", "vpn.corp.localhost"), "sid"));
+    ASSERT_TRUE(m_loads.WaitFor("FINISHED " + url));
+    webkit_web_view_load_uri(View(), next.c_str());
+    ASSERT_TRUE(m_loads.WaitFor("FINISHED " + next));
+    ASSERT_TRUE(WaitForCookieQueries(View()));
+    EXPECT_THAT(Results(), IsEmpty());
+    // The cookie has reached that host.
+    EXPECT_EQ(m_server.Requests().back().Header("Cookie"), "sid=forged");
+}
+
+TEST_F(WindowStoredCookiesTest, ACookieOfAnotherHostsRedirectEndsNothing) {
+    const std::string next = m_server.Url("/next", "vpn.corp.localhost");
+    m_server.Serve("/page", {302,
+                             "",
+                             "",
+                             {{"Location", next},
+                              {"Set-Cookie", "sid=forged; Path=/; Domain=corp.localhost"}}});
+    m_server.Serve("/next", PageWithCookie("theme=dark; Path=/"));
+    Send(Operation::BrowseForCookie(m_server.Url("/page", "www.corp.localhost"),
+                                    m_server.Url("/never", "vpn.corp.localhost"), "sid"));
+    ASSERT_TRUE(m_loads.WaitFor("FINISHED " + next));
+    ASSERT_TRUE(WaitForCookieQueries(View()));
+    EXPECT_THAT(Results(), IsEmpty());
+    EXPECT_EQ(m_server.Requests().back().Header("Cookie"), "sid=forged");
+}
+
+TEST_F(WindowStoredCookiesTest, ACookieOfAFrameIsASuccess) {
+    m_server.ServePage("/page", "<iframe src='/one'></iframe><iframe src='/two'></iframe>");
+    m_server.ServePage("/one", "one");
+    m_server.Serve("/two", PageWithCookie("sid=abc; Path=/"));
+    BrowseFrom(m_server.Url("/page"));
+    ASSERT_TRUE(WaitForResults(1));
+    EXPECT_THAT(Results(), ElementsAre("success_with_cookie abc"));
+}
+
+TEST_F(WindowStoredCookiesTest, ACookieOfAPageThatRedirectsToItselfIsFound) {
+    m_server.Handle("/page", [](HttpExchange& exchange) {
+        if (exchange.Request().Header("Cookie").empty()) {
+            exchange.Respond(
+                {302, "", "", {{"Location", "/page"}, {"Set-Cookie", "sid=abc; Path=/"}}});
+        } else {
+            exchange.Respond({200, "hello"});
+        }
+    });
+    BrowseFrom(m_server.Url("/page"));
+    ASSERT_TRUE(WaitForResults(1));
+    EXPECT_THAT(Results(), ElementsAre("success_with_cookie abc"));
+}
+
+TEST_F(WindowStoredCookiesTest, ACookieOfAnAddressWithAFragmentIsFound) {
+    m_server.Serve("/page", PageWithCookie("sid=abc; Path=/"));
+    BrowseFrom(m_server.Url("/page#top"));
+    ASSERT_TRUE(WaitForResults(1));
+    EXPECT_THAT(Results(), ElementsAre("success_with_cookie abc"));
+}
+
+TEST_F(WindowStoredCookiesTest, ACookieOfASubmittedFormIsFound) {
+    m_server.ServePage("/page",
+                       "<form method=post action='/sign-in'></form>"
+                       "<script>document.forms[0].submit()</script>");
+    m_server.Serve("/sign-in",
+                   {302, "", "", {{"Location", "/welcome"}, {"Set-Cookie", "sid=abc; Path=/"}}});
+    m_server.ServePage("/welcome", "hello");
+    BrowseFrom(m_server.Url("/page"));
+    ASSERT_TRUE(WaitForResults(1));
+    EXPECT_THAT(Results(), ElementsAre("success_with_cookie abc"));
+}
+
+TEST_F(WindowStoredCookiesTest, ACookieBehindAnotherHostsRedirectIsFound) {
+    m_server.Redirect("/elsewhere", m_server.Url("/sign-in"));
+    m_server.Serve("/sign-in",
+                   {302, "", "", {{"Location", "/welcome"}, {"Set-Cookie", "sid=abc; Path=/"}}});
+    m_server.ServePage("/welcome", "hello");
+    BrowseFrom(m_server.Url("/elsewhere", "localhost"));
+    ASSERT_TRUE(WaitForResults(1));
+    EXPECT_THAT(Results(), ElementsAre("success_with_cookie abc"));
+}
+
+// Plain HTTP, where the final page has TLS.
+
+TEST_F(WindowStoredCookiesTest, ACookieWithoutTlsEndsNothingWhereTheFinalPageHasIt) {
+    m_server.Serve("/page", PageWithCookie("sid=forged; Path=/"));
+    BrowseForSecureFrom(m_server.Url("/page"));
+    ASSERT_TRUE(m_loads.WaitFor("FINISHED " + m_server.Url("/page")));
+    SettleAt(m_secure);
+    EXPECT_THAT(Results(), IsEmpty());
+    m_secure.Serve("/welcome", PageWithCookie("sid=abc; Path=/"));
+    webkit_web_view_load_uri(View(), m_secure.Url("/welcome").c_str());
+    ASSERT_TRUE(WaitForResults(1));
+    EXPECT_THAT(Results(), ElementsAre("success_with_cookie abc"));
+}
+
+TEST_F(WindowStoredCookiesTest, ACookieOfARedirectWithoutTlsEndsNothingWhereTheFinalPageHasIt) {
+    m_server.Serve(
+        "/start",
+        {302, "", "", {{"Location", m_secure.Url("/page")}, {"Set-Cookie", "sid=forged; Path=/"}}});
+    m_secure.Serve("/page", PageWithCookie("theme=dark; Path=/"));
+    BrowseForSecureFrom(m_server.Url("/start"));
+    ASSERT_TRUE(m_loads.WaitFor("FINISHED " + m_secure.Url("/page")));
+    SettleAt(m_secure);
+    EXPECT_THAT(Results(), IsEmpty());
+}
+
+TEST_F(WindowStoredCookiesTest, ACookieWithTlsBehindARedirectWithoutItIsFound) {
+    m_server.Redirect("/start", m_secure.Url("/page"));
+    m_secure.Serve("/page", PageWithCookie("sid=abc; Path=/"));
+    BrowseForSecureFrom(m_server.Url("/start"));
+    ASSERT_TRUE(WaitForResults(1));
+    EXPECT_THAT(Results(), ElementsAre("success_with_cookie abc"));
+}
+
+TEST_F(WindowStoredCookiesTest, AnAnswerWithoutTlsReplacesNoCookieForSecureConnections) {
+    m_secure.Serve("/page", PageWithCookie("sid=abc; Path=/; Secure"));
+    m_server.Serve("/page", PageWithCookie("sid=forged; Path=/"));
+    Send(Operation::Browse(m_secure.Url("/page"), m_secure.Url("/page")));
+    ASSERT_TRUE(WaitForResults(1));
+    Send(Operation::Browse(m_server.Url("/page"), m_server.Url("/page")));
+    ASSERT_TRUE(WaitForResults(2));
+    m_secure.ServePage("/final", "hello");
+    Send(Operation::BrowseForCookie(m_secure.Url("/final"), m_secure.Url("/final"), "sid"));
+    ASSERT_TRUE(WaitForResults(3));
+    EXPECT_THAT(Results(), ElementsAre("success", "success", "success_with_cookie abc"));
+}
+
+// Names.
+
+TEST_F(WindowStoredCookiesTest, ACookieThatBreaksItsNamesPromiseEndsNothing) {
+    m_server.Serve("/page", PageWithCookie("__Host-sid=forged; Path=/"));
+    Send(Operation::BrowseForCookie(m_server.Url("/page"), m_server.Url("/never"), "__Host-sid"));
+    ASSERT_TRUE(m_loads.WaitFor("FINISHED " + m_server.Url("/page")));
+    Settle();
+    EXPECT_THAT(Results(), IsEmpty());
+}
+
+TEST_F(WindowStoredCookiesTest, ACookieThatBreaksItsNamesPromiseIsNoMatchAtTheFinalPage) {
+    m_server.Serve("/page", PageWithCookie("__Secure-sid=forged; Path=/"));
+    m_secure.ServePage("/page", "hello");
+    Send(Operation::Browse(m_server.Url("/page"), m_server.Url("/page")));
+    ASSERT_TRUE(WaitForResults(1));
+    Send(Operation::BrowseForCookie(m_secure.Url("/page"), m_secure.Url("/page"), "__Secure-sid"));
+    ASSERT_TRUE(WaitForResults(2));
+    EXPECT_THAT(Results(), ElementsAre("success", "error_cookie"));
+}
+
+TEST_F(WindowStoredCookiesTest, ACookieThatKeepsItsNamesPromiseIsFound) {
+    m_secure.Serve("/page", PageWithCookie("__Host-sid=abc; Path=/; Secure"));
+    Send(Operation::BrowseForCookie(m_secure.Url("/page"), m_secure.Url("/never"), "__Host-sid"));
+    ASSERT_TRUE(WaitForResults(1));
+    EXPECT_THAT(Results(), ElementsAre("success_with_cookie abc"));
+}
+
+TEST_F(WindowStoredCookiesTest, ACookieWithoutANameEndsNothing) {
+    m_server.Serve("/page", PageWithCookie("loner"));
+    Send(Operation::BrowseForCookie(m_server.Url("/page"), m_server.Url("/never"), "sid"));
+    ASSERT_TRUE(m_loads.WaitFor("FINISHED " + m_server.Url("/page")));
+    Settle();
+    EXPECT_THAT(Results(), IsEmpty());
 }

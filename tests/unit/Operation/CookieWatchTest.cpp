@@ -8,143 +8,111 @@ namespace {
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
+using testing::Optional;
 
 const StoredCookie kOldSid{"sid", "old", "host", "/"};
 const StoredCookie kOther{"theme", "dark", "host", "/"};
 using Cookies = std::vector<StoredCookie>;
 const Cookies kNothing;
 const std::string kPage = "http://host/page";
+const std::string kNext = "http://host/next";
 
 class CookieWatch : public testing::Test {
 protected:
-    CookieWatch() { m_watch.Begin(); }
-
-    /// A page came whose answer changed the store, and the store is asked for it.
-    void AskForPage() {
-        m_watch.OnCookiesChanged();
-        m_watch.OnPage(kPage);
-        ASSERT_EQ(m_watch.TakeQuery(), kPage);
-    }
-
     CCookieWatch m_watch;
 };
 
 }  // namespace
 
-TEST_F(CookieWatch, AsksOnceForAPageThatChangedTheStore) {
-    m_watch.SetBaseline(kNothing);
-    AskForPage();
-    EXPECT_EQ(m_watch.TakeQuery(), std::nullopt);
+TEST_F(CookieWatch, KnowsWhatTheStoreHeldBeforeAPagesRequest) {
+    m_watch.OnRequest(kPage, Cookies{kOldSid});
+    m_watch.OnRequest(kNext, kNothing);
+    EXPECT_THAT(m_watch.TakeBaseline({kPage}), Optional(ElementsAre(kOldSid)));
+    EXPECT_THAT(m_watch.TakeBaseline({kNext}), Optional(IsEmpty()));
 }
 
-TEST_F(CookieWatch, AsksNothingForAPageThatChangedNothing) {
-    m_watch.SetBaseline(kNothing);
-    m_watch.OnPage(kPage);
-    EXPECT_EQ(m_watch.TakeQuery(), std::nullopt);
+TEST_F(CookieWatch, KnowsNothingOfWhatNoPageRequested) {
+    m_watch.OnRequest(kPage, kNothing);
+    EXPECT_EQ(m_watch.TakeBaseline({kNext}), std::nullopt);
+    EXPECT_EQ(m_watch.TakeBaseline({}), std::nullopt);
 }
 
-TEST_F(CookieWatch, AsksNothingForAChangeWithoutAPage) {
-    m_watch.SetBaseline(kNothing);
-    m_watch.OnCookiesChanged();
-    EXPECT_EQ(m_watch.TakeQuery(), std::nullopt);
+TEST_F(CookieWatch, TellsWhatItKnowsOfAPageOnce) {
+    m_watch.OnRequest(kPage, kNothing);
+    EXPECT_THAT(m_watch.TakeBaseline({kPage}), Optional(IsEmpty()));
+    EXPECT_EQ(m_watch.TakeBaseline({kPage}), std::nullopt);
 }
 
-TEST_F(CookieWatch, AsksForEveryPageOnceChangesGoUntold) {
-    m_watch.OnChangesUntold();
-    m_watch.Begin();
-    m_watch.SetBaseline(kNothing);
-    m_watch.OnPage(kPage);
-    EXPECT_EQ(m_watch.TakeQuery(), kPage);
+TEST_F(CookieWatch, KnowsTheLatestRequestOfAnAddress) {
+    m_watch.OnRequest(kPage, kNothing);
+    m_watch.OnRequest(kPage, Cookies{kOldSid});
+    EXPECT_THAT(m_watch.TakeBaseline({kPage}), Optional(ElementsAre(kOldSid)));
+    EXPECT_EQ(m_watch.TakeBaseline({kPage}), std::nullopt);
 }
 
-TEST_F(CookieWatch, AsksWhenTheChangeIsToldBehindItsPage) {
-    m_watch.SetBaseline(kNothing);
-    m_watch.OnPage(kPage);
-    m_watch.OnCookiesChanged();
-    EXPECT_EQ(m_watch.TakeQuery(), kPage);
+TEST_F(CookieWatch, KnowsNothingOfARequestWithoutAnAnswerOfTheStore) {
+    m_watch.OnRequest(kPage, kNothing);
+    m_watch.OnRequest(kPage, std::nullopt);
+    EXPECT_EQ(m_watch.TakeBaseline({kPage}), std::nullopt);
 }
 
-TEST_F(CookieWatch, AsksOnceForTwoChangesToldBehindTheirPage) {
-    m_watch.SetBaseline(kNothing);
-    m_watch.OnPage(kPage);
-    m_watch.OnCookiesChanged();
-    m_watch.OnCookiesChanged();
-    EXPECT_EQ(m_watch.TakeQuery(), kPage);
-    m_watch.OnAnswered();
-    EXPECT_EQ(m_watch.TakeQuery(), std::nullopt);
+TEST_F(CookieWatch, TakesTheFirstRequestOfAPageThatWasRedirected) {
+    m_watch.OnRequest(kPage, kNothing);
+    m_watch.OnRequest(kNext, Cookies{kOldSid});
+    EXPECT_THAT(m_watch.TakeBaseline({kPage, kNext}), Optional(IsEmpty()));
+    EXPECT_EQ(m_watch.TakeBaseline({kPage}), std::nullopt);
+    EXPECT_EQ(m_watch.TakeBaseline({kNext}), std::nullopt);
 }
 
-TEST_F(CookieWatch, AsksNothingForTheChangeOfAPicture) {
-    m_watch.SetBaseline(kNothing);
-    m_watch.OnPage(kPage);
-    m_watch.OnRequest();
-    m_watch.OnCookiesChanged();
-    EXPECT_EQ(m_watch.TakeQuery(), std::nullopt);
+TEST_F(CookieWatch, TakesTheFirstRequestOfAPageThatRedirectedToItself) {
+    m_watch.OnRequest(kPage, Cookies{kOther});
+    m_watch.OnRequest(kPage, kNothing);
+    m_watch.OnRequest(kPage, Cookies{kOldSid});
+    EXPECT_THAT(m_watch.TakeBaseline({kPage, kPage}), Optional(IsEmpty()));
+    EXPECT_EQ(m_watch.TakeBaseline({kPage}), std::nullopt);
 }
 
-TEST_F(CookieWatch, WaitsForWhatStoodInTheStoreBefore) {
-    m_watch.OnCookiesChanged();
-    m_watch.OnPage(kPage);
-    EXPECT_EQ(m_watch.TakeQuery(), std::nullopt);
-    m_watch.SetBaseline(kNothing);
-    EXPECT_EQ(m_watch.TakeQuery(), kPage);
-}
-
-TEST_F(CookieWatch, NeverAsksTwiceAtOnce) {
-    m_watch.SetBaseline(kNothing);
-    AskForPage();
-    m_watch.OnPage("http://host/next");
-    EXPECT_EQ(m_watch.TakeQuery(), std::nullopt);
-    m_watch.OnAnswered();
-    EXPECT_EQ(m_watch.TakeQuery(), "http://host/next");
-}
-
-TEST_F(CookieWatch, AsksAgainForASecondCookieOfThePage) {
-    m_watch.SetBaseline(kNothing);
-    AskForPage();
-    m_watch.OnCookiesChanged();
-    m_watch.OnAnswered();
-    EXPECT_EQ(m_watch.TakeQuery(), kPage);
-}
-
-TEST_F(CookieWatch, CallsNewWhatDidNotStandThereBefore) {
-    m_watch.SetBaseline(Cookies{kOldSid});
-    EXPECT_THAT(m_watch.NewOnes({kOldSid, kOther}), ElementsAre(kOther));
-    EXPECT_THAT(m_watch.NewOnes({kOldSid}), IsEmpty());
-}
-
-TEST_F(CookieWatch, CallsNewAnotherValueDomainOrPath) {
-    m_watch.SetBaseline(Cookies{kOldSid});
-    const Cookies changed{{"sid", "new", "host", "/"},
-                          {"sid", "old", "elsewhere", "/"},
-                          {"sid", "old", "host", "/deeper"}};
-    EXPECT_THAT(m_watch.NewOnes(changed), ElementsAreArray(changed));
-}
-
-TEST_F(CookieWatch, AsksNothingWithoutKnowingWhatStoodThereBefore) {
-    m_watch.SetBaseline(std::nullopt);
-    m_watch.OnCookiesChanged();
-    m_watch.OnPage(kPage);
-    EXPECT_EQ(m_watch.TakeQuery(), std::nullopt);
+TEST_F(CookieWatch, KnowsNothingOfARedirectWhoseFirstRequestIsUnknown) {
+    m_watch.OnRequest(kNext, kNothing);
+    EXPECT_EQ(m_watch.TakeBaseline({kPage, kNext}), std::nullopt);
 }
 
 TEST_F(CookieWatch, ForgetsTheOperationBefore) {
-    m_watch.SetBaseline(kNothing);
-    m_watch.OnCookiesChanged();
+    m_watch.OnRequest(kPage, kNothing);
     m_watch.Begin();
-    m_watch.SetBaseline(kNothing);
-    m_watch.OnPage(kPage);
-    EXPECT_EQ(m_watch.TakeQuery(), std::nullopt);
+    EXPECT_EQ(m_watch.TakeBaseline({kPage}), std::nullopt);
 }
 
-TEST_F(CookieWatch, WaitsForTheAnswerToTheOperationBefore) {
-    m_watch.SetBaseline(kNothing);
-    AskForPage();
+TEST_F(CookieWatch, KnowsWhatTheStoreHeldBeforeTheOperationsLoad) {
+    m_watch.SetBaseline(Cookies{kOldSid});
+    m_watch.OnFirstRequest(kPage);
     m_watch.Begin();
-    m_watch.SetBaseline(kNothing);
-    m_watch.OnCookiesChanged();
-    m_watch.OnPage("http://host/next");
-    EXPECT_EQ(m_watch.TakeQuery(), std::nullopt);
-    m_watch.OnAnswered();
-    EXPECT_EQ(m_watch.TakeQuery(), "http://host/next");
+    m_watch.OnFirstRequest(kNext);
+    EXPECT_EQ(m_watch.TakeBaseline({kPage}), std::nullopt);
+    EXPECT_EQ(m_watch.TakeBaseline({kNext}), std::nullopt);
+    m_watch.SetBaseline(Cookies{kOldSid});
+    m_watch.OnFirstRequest(kPage);
+    EXPECT_THAT(m_watch.TakeBaseline({kPage}), Optional(ElementsAre(kOldSid)));
+}
+
+TEST_F(CookieWatch, RemembersTheLatestThirtyTwoRequestsOnly) {
+    m_watch.OnRequest(kPage, kNothing);
+    m_watch.OnRequest(kNext, kNothing);
+    for (int number = 0; number < 31; ++number) {
+        m_watch.OnRequest("http://host/" + std::to_string(number), kNothing);
+    }
+    EXPECT_EQ(m_watch.TakeBaseline({kPage}), std::nullopt);
+    EXPECT_THAT(m_watch.TakeBaseline({kNext}), Optional(IsEmpty()));
+}
+
+TEST_F(CookieWatch, CallsNewWhatDidNotStandThereBefore) {
+    EXPECT_THAT(CCookieWatch::NewOnes({kOldSid, kOther}, {kOldSid}), ElementsAre(kOther));
+    EXPECT_THAT(CCookieWatch::NewOnes({kOldSid}, {kOldSid}), IsEmpty());
+}
+
+TEST_F(CookieWatch, CallsNewAnotherValueDomainOrPath) {
+    const Cookies changed{{"sid", "new", "host", "/"},
+                          {"sid", "old", "elsewhere", "/"},
+                          {"sid", "old", "host", "/deeper"}};
+    EXPECT_THAT(CCookieWatch::NewOnes(changed, {kOldSid}), ElementsAreArray(changed));
 }

@@ -14,7 +14,7 @@ using PageOperationForCookie = PageOperationFixture;
 TEST_F(PageOperationForCookie, LooksIntoTheStoreBeforeItAsksForItsPage) {
     m_operation.Begin(kPage, kFinal, {"sid", "err"});
     EXPECT_THAT(Asked(), ElementsAre("ask baseline http://host/final"));
-    m_port.Answer(RecordingPort::Cookies{});
+    m_port.Answer(Cookies{});
     EXPECT_THAT(Asked(), ElementsAre("load http://host/page"));
 }
 
@@ -33,76 +33,144 @@ TEST_F(PageOperationForCookie, AsksForItsPageAtOnceWithoutAStore) {
 TEST_F(PageOperationForCookie, LoadsNothingWhenItsWindowIsClosedBeforeTheStoreAnswers) {
     m_operation.Begin(kPage, kFinal, {"sid", "err"});
     m_operation.OnWindowClosed();
-    m_port.Answer(RecordingPort::Cookies{});
+    m_port.Answer(Cookies{});
     EXPECT_THAT(Asked(), ElementsAre("ask baseline http://host/final", "cancel"));
 }
 
-TEST_F(PageOperationForCookie, TakesNothingOfThePageBeforeForItsOwnWhileTheStoreIsAsked) {
+TEST_F(PageOperationForCookie, LooksIntoTheStoreBeforeItsHostIsAskedAgain) {
+    StartBrowseForCookie();
+    const std::optional<CookieQuery> query = m_operation.OnNavigation(kPage);
+    ASSERT_TRUE(query);
+    EXPECT_EQ(query->purpose, CookieQuery::Purpose::request);
+    EXPECT_EQ(query->uri, "http://host/page");
+}
+
+TEST_F(PageOperationForCookie, HoldsItsOwnLoadUpNoMore) {
+    BrowseForCookie();
+    EXPECT_FALSE(m_operation.OnNavigation(kPage));
+}
+
+TEST_F(PageOperationForCookie, ComparesItsOwnLoadWithTheTimeBeforeIt) {
+    BrowseForCookie(kFinal, Cookies{Cookie("sid", "old")});
+    EXPECT_FALSE(m_operation.OnNavigation(kPage));
+    m_operation.OnLoadStarted();
+    m_operation.OnResponse({200, "text/html", {kPage}, std::nullopt});
+    m_port.Answer({{Cookie("sid", "old"), Cookie("err", "denied")}});
+    EXPECT_THAT(Asked(), ElementsAre("ask baseline http://host/final", "load http://host/page",
+                                     "ask page http://host/page", "error_cookie denied"));
+}
+
+TEST_F(PageOperationForCookie, AsksNothingForItsOwnLoadWhenTheStoreDidNotAnswerBefore) {
+    BrowseForCookie(kFinal, std::nullopt);
+    EXPECT_FALSE(m_operation.OnNavigation(kPage));
+    m_operation.OnLoadStarted();
+    static_cast<void>(Asked());
+    m_operation.OnResponse({200, "text/html", {kPage}, std::nullopt});
+    EXPECT_THAT(Asked(), IsEmpty());
+}
+
+TEST_F(PageOperationForCookie, HoldsNoOtherRequestUp) {
     StartBrowse();
-    m_port.QueueOperation();
+    EXPECT_FALSE(m_operation.OnNavigation(kPage));
+    StartBrowseForCookie();
+    EXPECT_FALSE(m_operation.OnNavigation("http://other/final"));
+    EXPECT_FALSE(m_operation.OnNavigation("about:blank"));
+    m_operation.OnWindowClosed();
+    EXPECT_FALSE(m_operation.OnNavigation(kPage));
+}
+
+TEST_F(PageOperationForCookie, HoldsNoRequestUpWithoutAStore) {
+    m_port.ForbidQueries();
     m_operation.Begin(kPage, kFinal, {"sid", "err"});
     m_operation.OnLoadStarted();
+    EXPECT_FALSE(m_operation.OnNavigation(kPage));
+}
+
+TEST_F(PageOperationForCookie, HoldsNoRequestUpBeforeTheFirstOperation) {
+    EXPECT_FALSE(m_operation.OnNavigation(kPage));
+}
+
+TEST_F(PageOperationForCookie, TakesNothingOfThePageBeforeForItsOwnUntilItsLoadStarts) {
+    StartBrowse();
+    BrowseForCookie();
+    static_cast<void>(Asked());
+    Navigate(kFinal);
     m_operation.OnPageCommitted(404, kFinal);
     m_operation.OnPageFinished(kFinal);
-    EXPECT_TRUE(m_operation.OnRequest(kFinal));
-    m_operation.OnResponse({200, "text/html", kFinal, "sid=abc;"});
-    m_operation.OnProcessEnded();
-    EXPECT_THAT(Asked(), ElementsAre("ask baseline http://host/final"));
+    m_operation.OnResponse(PageWithHeader("sid=abc;", {kFinal}));
+    EXPECT_THAT(Asked(), IsEmpty());
 }
 
 // The header, which today's engines hide.
 
 TEST_F(PageOperationForCookie, EndsWithTheCookieOfAHeader) {
     StartBrowseForCookie();
-    EXPECT_TRUE(m_operation.OnRequest(kPage));
-    m_operation.OnResponse({200, "text/html", kPage, "sid=abc; Path=/"});
+    EXPECT_TRUE(m_operation.WatchesResponses());
+    m_operation.OnResponse(PageWithHeader("sid=abc; Path=/"));
     EXPECT_THAT(Asked(), ElementsAre("success_with_cookie abc"));
 }
 
 TEST_F(PageOperationForCookie, EndsWithTheErrorCookieOfAHeader) {
     StartBrowseForCookie();
-    m_operation.OnResponse({200, "text/html", kPage, "err=denied; Path=/"});
+    m_operation.OnResponse(PageWithHeader("err=denied; Path=/"));
     EXPECT_THAT(Asked(), ElementsAre("error_cookie denied"));
 }
 
-TEST_F(PageOperationForCookie, AsksNoStoreForAHeaderWithoutItsCookies) {
+TEST_F(PageOperationForCookie, AsksNoStoreBehindAHeaderThatDecides) {
     StartBrowseForCookie();
-    m_operation.OnCookiesChanged();
-    m_operation.OnResponse({200, "text/html", kPage, "other=1; Path=/"});
-    EXPECT_THAT(Asked(), IsEmpty());
+    Navigate(kPage);
+    m_operation.OnResponse(PageWithHeader("sid=abc; Path=/"));
+    EXPECT_THAT(Asked(), ElementsAre("success_with_cookie abc"));
+}
+
+TEST_F(PageOperationForCookie, AsksTheStoreBehindAHeaderThatDecidesNothing) {
+    StartBrowseForCookie();
+    Navigate(kPage);
+    m_operation.OnResponse(PageWithHeader("sid=abc"));
+    EXPECT_THAT(Asked(), ElementsAre("ask page http://host/page"));
 }
 
 TEST_F(PageOperationForCookie, LooksAtHtmlPagesAlone) {
     StartBrowseForCookie();
-    m_operation.OnResponse({200, "image/png", kPage, "sid=abc;"});
-    m_operation.OnResponse({404, "text/html", kPage, "sid=abc;"});
-    m_operation.OnResponse({199, "text/html", kPage, "sid=abc;"});
-    m_operation.OnResponse({300, "text/html", kPage, "sid=abc;"});
+    Navigate(kPage);
+    m_operation.OnResponse({200, "image/png", {kPage}, "sid=abc;"});
+    m_operation.OnResponse({404, "text/html", {kPage}, "sid=abc;"});
+    m_operation.OnResponse({199, "text/html", {kPage}, "sid=abc;"});
+    m_operation.OnResponse({300, "text/html", {kPage}, "sid=abc;"});
     EXPECT_THAT(Asked(), IsEmpty());
-    m_operation.OnResponse({299, "text/html", kPage, "sid=abc;"});
+    m_operation.OnResponse({299, "text/html", {kPage}, "sid=abc;"});
     EXPECT_THAT(Asked(), ElementsAre("success_with_cookie abc"));
 }
 
-TEST_F(PageOperationForCookie, WatchesTheHostOfItsFinalPageAlone) {
+TEST_F(PageOperationForCookie, LooksAtHeadersOfItsFinalPagesHostAlone) {
     StartBrowseForCookie();
-    EXPECT_TRUE(m_operation.OnRequest("https://host:8443/elsewhere"));
-    EXPECT_FALSE(m_operation.OnRequest("http://other/final"));
-    EXPECT_FALSE(m_operation.OnRequest("about:blank"));
+    m_operation.OnResponse(PageWithHeader("sid=abc;", {"http://other/final"}));
+    m_operation.OnResponse(PageWithHeader("sid=abc;", {"about:blank"}));
+    EXPECT_THAT(Asked(), IsEmpty());
+    m_operation.OnResponse(PageWithHeader("sid=abc;", {"https://host:8443/elsewhere"}));
+    EXPECT_THAT(Asked(), ElementsAre("success_with_cookie abc"));
+}
+
+TEST_F(PageOperationForCookie, LooksAtHeadersOfHttpsAloneWhereItsFinalPageHasIt) {
+    StartBrowseForCookie("https://host/final");
+    m_operation.OnResponse(PageWithHeader("sid=forged;", {"http://host/page"}));
+    m_operation.OnResponse(
+        PageWithHeader("sid=forged;", {"https://host/page", "http://host/page"}));
+    EXPECT_THAT(Asked(), IsEmpty());
+    m_operation.OnResponse(PageWithHeader("sid=abc;", {"http://host/page", "https://host/page"}));
+    EXPECT_THAT(Asked(), ElementsAre("success_with_cookie abc"));
 }
 
 TEST_F(PageOperationForCookie, WatchesNothingWithoutAWantedCookie) {
     StartBrowse();
-    EXPECT_FALSE(m_operation.OnRequest(kFinal));
+    EXPECT_FALSE(m_operation.WatchesResponses());
 }
 
 // The store, asked behind a page that shows no header.
 
-TEST_F(PageOperationForCookie, AsksTheStoreForAPageThatChangedIt) {
+TEST_F(PageOperationForCookie, EndsWithTheCookieThatAPageBrings) {
     StartBrowseForCookie();
-    EXPECT_TRUE(m_operation.OnRequest(kPage));
-    m_operation.OnResponse(Page());
-    EXPECT_THAT(Asked(), IsEmpty());
-    m_operation.OnCookiesChanged();
+    Visit();
     EXPECT_THAT(Asked(), ElementsAre("ask page http://host/page"));
     m_port.Answer({{Cookie("sid", "abc")}});
     EXPECT_THAT(Asked(), ElementsAre("success_with_cookie abc"));
@@ -110,48 +178,151 @@ TEST_F(PageOperationForCookie, AsksTheStoreForAPageThatChangedIt) {
 
 TEST_F(PageOperationForCookie, PrefersTheCookieToTheErrorCookieOfAPage) {
     StartBrowseForCookie();
-    m_operation.OnCookiesChanged();
-    m_operation.OnResponse(Page());
+    Visit();
     m_port.Answer({{Cookie("err", "denied"), Cookie("sid", "abc")}});
     EXPECT_THAT(Asked(), ElementsAre("ask page http://host/page", "success_with_cookie abc"));
 }
 
-TEST_F(PageOperationForCookie, StaysOpenWithACookieThatStoodInTheStoreBefore) {
-    StartBrowseForCookie({Cookie("sid", "old")});
-    m_operation.OnCookiesChanged();
-    m_operation.OnResponse(Page());
-    m_port.Answer({{Cookie("sid", "old"), Cookie("other", "1")}});
+TEST_F(PageOperationForCookie, StaysOpenWithACookieThatStoodInTheStoreBeforeThePagesRequest) {
+    StartBrowseForCookie();
+    Visit();
+    m_port.Answer(Cookies{});
+    // A script, a picture or another host has set the cookie since.
+    Visit({kFinal}, {Cookie("sid", "forged")});
+    m_port.Answer({{Cookie("sid", "forged"), Cookie("other", "1")}});
+    EXPECT_THAT(Asked(), ElementsAre("ask page http://host/page", "ask page http://host/final"));
+    Visit({kPage}, {Cookie("sid", "forged")});
+    m_port.Answer({{Cookie("sid", "abc")}});
+    EXPECT_THAT(Asked(), ElementsAre("ask page http://host/page", "success_with_cookie abc"));
+}
+
+TEST_F(PageOperationForCookie, ComparesEachPageWithTheTimeBeforeItsOwnRequest) {
+    StartBrowseForCookie();
+    Navigate(kPage);
+    Navigate("http://host/frame", Cookies{Cookie("sid", "abc")});
+    m_operation.OnResponse({200, "text/html", {"http://host/frame"}, std::nullopt});
+    m_operation.OnResponse({200, "text/html", {kPage}, std::nullopt});
+    m_port.Answer({{Cookie("sid", "abc")}});
+    EXPECT_THAT(Asked(), ElementsAre("ask page http://host/frame", "ask page http://host/page"));
+    m_port.Answer({{Cookie("sid", "abc")}});
+    EXPECT_THAT(Asked(), ElementsAre("success_with_cookie abc"));
+}
+
+TEST_F(PageOperationForCookie, AsksNothingForAFetchedPage) {
+    StartBrowseForCookie();
+    m_operation.OnResponse({200, "text/html", {kPage}, std::nullopt});
+    EXPECT_THAT(Asked(), IsEmpty());
+}
+
+TEST_F(PageOperationForCookie, AsksNothingWhenTheStoreDidNotAnswerBefore) {
+    StartBrowseForCookie();
+    Navigate(kPage, std::nullopt);
+    m_operation.OnResponse({200, "text/html", {kPage}, std::nullopt});
+    EXPECT_THAT(Asked(), IsEmpty());
+}
+
+TEST_F(PageOperationForCookie, TakesARedirectsCookieForThePageBehindIt) {
+    StartBrowseForCookie();
+    Navigate(kPage);
+    Navigate(kFinal, Cookies{Cookie("sid", "abc")});
+    m_operation.OnResponse({200, "text/html", {kPage, kFinal}, std::nullopt});
+    m_port.Answer({{Cookie("sid", "abc")}});
+    EXPECT_THAT(Asked(), ElementsAre("ask page http://host/final", "success_with_cookie abc"));
+}
+
+TEST_F(PageOperationForCookie, TakesNoCookieOfAnotherHostsRedirectForThePageBehindIt) {
+    StartBrowseForCookie();
+    Navigate("http://other/");
+    Navigate(kFinal, Cookies{Cookie("sid", "forged")});
+    m_operation.OnResponse({200, "text/html", {"http://other/", kFinal}, std::nullopt});
+    m_port.Answer({{Cookie("sid", "forged")}});
+    EXPECT_THAT(Asked(), ElementsAre("ask page http://host/final"));
+}
+
+TEST_F(PageOperationForCookie, TakesACookieOfItsHostBehindAnotherHostsRedirect) {
+    StartBrowseForCookie();
+    Navigate("http://other/");
+    Navigate(kPage);
+    Navigate(kFinal, Cookies{Cookie("sid", "abc")});
+    m_operation.OnResponse({200, "text/html", {"http://other/", kPage, kFinal}, std::nullopt});
+    m_port.Answer({{Cookie("sid", "abc")}});
+    EXPECT_THAT(Asked(), ElementsAre("ask page http://host/final", "success_with_cookie abc"));
+}
+
+TEST_F(PageOperationForCookie, AsksNothingForAnotherHostsPage) {
+    StartBrowseForCookie();
+    Visit({kPage, "http://other/"});
+    Visit({"http://other/"});
+    EXPECT_THAT(Asked(), IsEmpty());
+}
+
+TEST_F(PageOperationForCookie, AsksNothingForAPageWithoutHttpsWhereItsFinalPageHasIt) {
+    StartBrowseForCookie("https://host/final");
+    Visit({"http://host/page"});
+    Visit({"https://host/page", "http://host/page"});
+    EXPECT_THAT(Asked(), IsEmpty());
+}
+
+TEST_F(PageOperationForCookie, TakesNoCookieOfARedirectWithoutHttpsWhereItsFinalPageHasIt) {
+    StartBrowseForCookie("https://host/final");
+    Navigate("http://host/page");
+    Navigate("https://host/page", Cookies{Cookie("sid", "forged")});
+    m_operation.OnResponse(
+        {200, "text/html", {"http://host/page", "https://host/page"}, std::nullopt});
+    m_port.Answer({{Cookie("sid", "forged")}});
+    EXPECT_THAT(Asked(), ElementsAre("ask page https://host/page"));
+}
+
+TEST_F(PageOperationForCookie, TakesACookieOfHttpsBehindARedirectWithoutIt) {
+    StartBrowseForCookie("https://host/final");
+    Visit({"http://host/page", "https://host/page"}, {Cookie("sid", "forged")});
+    m_port.Answer({{Cookie("sid", "abc")}});
+    EXPECT_THAT(Asked(), ElementsAre("ask page https://host/page", "success_with_cookie abc"));
+}
+
+TEST_F(PageOperationForCookie, StaysOpenWithACookieWithoutAName) {
+    m_operation.Begin(kPage, kFinal, {"sid", ""});
+    m_port.Answer(Cookies{});
+    m_operation.OnLoadStarted();
+    static_cast<void>(Asked());
+    Visit();
+    m_port.Answer({{Cookie("", "loner")}});
     EXPECT_THAT(Asked(), ElementsAre("ask page http://host/page"));
 }
 
-TEST_F(PageOperationForCookie, AsksAgainForThePageBehindAnAnswer) {
-    StartBrowseForCookie();
-    m_operation.OnCookiesChanged();
-    m_operation.OnResponse(Page());
-    m_operation.OnResponse(Page("http://host/next"));
-    EXPECT_THAT(Asked(), ElementsAre("ask page http://host/page"));
-    m_port.Answer(std::nullopt);
-    EXPECT_THAT(Asked(), ElementsAre("ask page http://host/next"));
+TEST_F(PageOperationForCookie, EndsWithAnErrorAtItsFinalPageWithACookieWithoutANameAlone) {
+    m_operation.Begin(kPage, kFinal, {"sid", ""});
+    m_port.Answer(Cookies{});
+    m_operation.OnLoadStarted();
+    static_cast<void>(Asked());
+    m_operation.OnPageFinished(kFinal);
+    m_port.Answer({{Cookie("", "loner")}});
+    EXPECT_THAT(Asked(), ElementsAre("ask finalPage http://host/final", "error_cookie"));
 }
 
-TEST_F(PageOperationForCookie, AsksForEveryPageOnceANetworkProcessWasLost) {
-    StartBrowse();
-    EXPECT_TRUE(Fail(300));
+TEST_F(PageOperationForCookie, DropsTheAnswersToQueriesOfTheOperationBefore) {
     StartBrowseForCookie();
-    m_operation.OnResponse(Page());
-    EXPECT_THAT(Asked(), ElementsAre("ask page http://host/page"));
-}
-
-TEST_F(PageOperationForCookie, DropsTheAnswerToAQueryOfTheOperationBefore) {
-    StartBrowseForCookie();
-    m_operation.OnCookiesChanged();
-    m_operation.OnResponse(Page());
+    Visit();
+    const std::optional<CookieQuery> query = m_operation.OnNavigation(kFinal);
+    ASSERT_TRUE(query);
     m_operation.OnWindowClosed();
     m_port.QueueOperation();
     m_operation.Begin(kPage, kFinal, {"sid", "err"});
     m_port.Answer({{Cookie("sid", "abc")}});
+    m_port.Answer(Cookies{});
+    m_operation.OnLoadStarted();
+    m_operation.OnCookies(*query, Cookies{});
+    m_operation.OnResponse({200, "text/html", {kFinal}, std::nullopt});
     EXPECT_THAT(Asked(), ElementsAre("ask page http://host/page", "cancel",
-                                     "ask baseline http://host/final"));
+                                     "ask baseline http://host/final", "load http://host/page"));
+}
+
+TEST_F(PageOperationForCookie, ForgetsTheRequestsOfTheOperationBefore) {
+    StartBrowseForCookie();
+    Navigate(kPage);
+    StartBrowseForCookie();
+    m_operation.OnResponse({200, "text/html", {kPage}, std::nullopt});
+    EXPECT_THAT(Asked(), IsEmpty());
 }
 
 // The final page.
@@ -163,7 +334,7 @@ TEST_F(PageOperationForCookie, AsksTheStoreAtItsFinalPage) {
 }
 
 TEST_F(PageOperationForCookie, EndsWithTheFirstOfItsCookiesInTheStore) {
-    StartBrowseForCookie({Cookie("err", "denied")});
+    StartBrowseForCookie();
     m_operation.OnPageFinished(kFinal);
     m_port.Answer({{Cookie("other", "1"), Cookie("err", "denied"), Cookie("sid", "abc")}});
     EXPECT_THAT(Asked(), ElementsAre("ask finalPage http://host/final", "error_cookie denied"));
@@ -182,7 +353,7 @@ TEST_F(PageOperationForCookie, StaysOpenWhenTheStoreIsEmptyOrDoesNotAnswer) {
     StartBrowseForCookie();
     m_operation.OnPageFinished(kFinal);
     m_operation.OnPageFinished(kFinal);
-    m_port.Answer(RecordingPort::Cookies{});
+    m_port.Answer(Cookies{});
     m_port.Answer(std::nullopt);
     EXPECT_THAT(Asked(),
                 ElementsAre("ask finalPage http://host/final", "ask finalPage http://host/final"));
@@ -199,11 +370,11 @@ TEST_F(PageOperationForCookie, EndsWithAnErrorAtItsFinalPageWithoutAStore) {
 
 TEST_F(PageOperationForCookie, AsksNoStoreBehindItsResult) {
     StartBrowseForCookie();
-    m_operation.OnCookiesChanged();
+    Navigate(kPage);
     m_operation.OnPageCommitted(404, kFinal);
-    m_operation.OnResponse(Page());
+    m_operation.OnResponse({200, "text/html", {kPage}, std::nullopt});
     m_operation.OnPageFinished(kFinal);
-    m_operation.OnCookiesChanged();
+    Visit();
     EXPECT_THAT(Asked(), ElementsAre("error_navi"));
 }
 

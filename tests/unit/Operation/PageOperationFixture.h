@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,7 @@ protected:
     PageOperationFixture() { m_port.Serve(m_operation); }
 
     using Lines = std::vector<std::string>;
+    using Cookies = std::vector<StoredCookie>;
 
     /// What the operation has asked for since the last look.
     [[nodiscard]] Lines Asked() { return m_port.TakeLines(); }
@@ -27,10 +29,11 @@ protected:
         m_operation.Begin(kPage, kFinal, {});
     }
 
-    /// Begins, with an empty store, up to the load.
-    void BrowseForCookie(const RecordingPort::Cookies& baseline = {}) {
+    /// Begins, with this store, up to the load.
+    void BrowseForCookie(const std::string& finalUrl = kFinal,
+                         const std::optional<Cookies>& baseline = Cookies{}) {
         m_port.QueueOperation();
-        m_operation.Begin(kPage, kFinal, {"sid", "err"});
+        m_operation.Begin(kPage, finalUrl, {"sid", "err"});
         m_port.Answer(baseline);
     }
 
@@ -39,17 +42,35 @@ protected:
         Browse();
         Start();
     }
-    void StartBrowseForCookie(const RecordingPort::Cookies& baseline = {}) {
-        BrowseForCookie(baseline);
+    void StartBrowseForCookie(const std::string& finalUrl = kFinal) {
+        BrowseForCookie(finalUrl);
         Start();
+    }
+
+    /// The engine is about to request the address, while the store holds these cookies.
+    void Navigate(const std::string& uri, const std::optional<Cookies>& cookies = Cookies{}) {
+        const std::optional<CookieQuery> query = m_operation.OnNavigation(uri);
+        if (query) {
+            m_operation.OnCookies(*query, cookies);
+        }
+    }
+
+    /// A page comes without a header, requested by these addresses. The store holds these cookies
+    /// before each of them.
+    void Visit(const std::vector<std::string>& requests = {kPage}, const Cookies& before = {}) {
+        for (const std::string& uri : requests) {
+            Navigate(uri, before);
+        }
+        m_operation.OnResponse({200, "text/html", requests, std::nullopt});
     }
 
     bool Fail(int code, bool isCancelledByEngine = false) {
         return m_operation.OnLoadFailed({code, isCancelledByEngine, "a failure", kPage});
     }
 
-    static PageResponse Page(const std::string& uri = kPage) {
-        return {200, "text/html", uri, std::nullopt};
+    static PageResponse PageWithHeader(const std::string& setCookie,
+                                       const std::vector<std::string>& requests = {kPage}) {
+        return {200, "text/html", requests, setCookie};
     }
 
     static StoredCookie Cookie(const std::string& name, const std::string& value) {

@@ -26,8 +26,8 @@ namespace {
 
 constexpr int kOrders = 100'000;
 constexpr int kTurns = 30;
-const std::array<std::string, 3> kUrls{"http://host/0", "http://host/1", "http://host/2"};
-const std::string kElsewhere = "http://other/";
+const std::array<std::string, 3> kUrls{"http://host/0", "https://host/1", "https://host/2"};
+const std::string kElsewhere = "https://other/";
 const std::string kNowhere;
 
 using Cookies = std::vector<StoredCookie>;
@@ -36,10 +36,11 @@ using Cookies = std::vector<StoredCookie>;
 enum class Step : std::uint8_t {
     start,
     request,
-    otherRequest,
+    redirect,
     cookie,
     page,
     pageWithHeader,
+    fetchedPage,
     picture,
     errorPage,
     commit,
@@ -62,33 +63,40 @@ using Course = std::vector<Step>;
 /// The orders in which the engine tells of one load, as they were measured. What a load has no end
 /// for here hangs.
 const std::vector<Course> kCourses{
-    {Step::start, Step::request, Step::page, Step::commit, Step::finish},
-    {Step::start, Step::request, Step::cookie, Step::page, Step::commit, Step::finish},
-    {Step::start, Step::request, Step::page, Step::cookie, Step::commit, Step::finish},
-    {Step::start, Step::request, Step::pageWithHeader, Step::commit, Step::finish},
-    {Step::start, Step::request, Step::page, Step::commit, Step::request, Step::cookie,
-     Step::picture, Step::finish},
-    {Step::start, Step::request, Step::cookie, Step::page, Step::commit, Step::finish, Step::leadOn,
-     Step::start, Step::request, Step::page, Step::commit, Step::finish},
-    {Step::start, Step::request, Step::page, Step::commit, Step::leadOn, Step::start,
-     Step::otherRequest, Step::page, Step::commit, Step::finish},
-    {Step::start, Step::request, Step::errorPage, Step::commitError, Step::finish},
-    {Step::start, Step::request, Step::page, Step::commit},
-    {Step::start, Step::request},
-    {},
-    {Step::start, Step::fail, Step::finish},
-    {Step::start, Step::failNetworkProcess, Step::finish},
-    {Step::start, Step::request, Step::failCannotShow, Step::finish},
-    {Step::start, Step::request, Step::page, Step::failAtPolicy, Step::finish},
-    {Step::start, Step::request, Step::page, Step::commit, Step::fail, Step::finish},
-    {Step::start, Step::failTls, Step::finish},
-    {Step::start, Step::cancel, Step::finish},
-    {Step::start, Step::request, Step::page, Step::commit, Step::leadOn, Step::start, Step::cancel,
+    {Step::request, Step::start, Step::page, Step::commit, Step::finish},
+    {Step::request, Step::start, Step::cookie, Step::page, Step::commit, Step::finish},
+    {Step::request, Step::start, Step::cookie, Step::redirect, Step::cookie, Step::page,
+     Step::commit, Step::finish},
+    {Step::request, Step::start, Step::redirect, Step::cookie, Step::redirect, Step::page,
+     Step::commit, Step::finish},
+    {Step::request, Step::start, Step::pageWithHeader, Step::commit, Step::finish},
+    {Step::request, Step::start, Step::redirect, Step::pageWithHeader, Step::commit, Step::finish},
+    {Step::request, Step::start, Step::page, Step::commit, Step::cookie, Step::picture,
      Step::finish},
-    {Step::start, Step::request, Step::stop},
-    {Step::start, Step::request, Step::page, Step::commit, Step::stop},
-    {Step::start, Step::request, Step::page, Step::commit, Step::die},
-    {Step::start, Step::request, Step::die},
+    {Step::request, Step::start, Step::page, Step::commit, Step::cookie, Step::finish, Step::leadOn,
+     Step::request, Step::start, Step::page, Step::commit, Step::finish},
+    {Step::request, Step::start, Step::page, Step::commit, Step::cookie, Step::fetchedPage,
+     Step::finish},
+    {Step::request, Step::start, Step::page, Step::commit, Step::leadOn, Step::request, Step::start,
+     Step::cookie, Step::page, Step::commit, Step::finish},
+    {Step::request, Step::start, Step::errorPage, Step::commitError, Step::finish},
+    {Step::request, Step::start, Step::page, Step::commit},
+    {Step::request, Step::start},
+    {Step::request},
+    {},
+    {Step::request, Step::start, Step::fail, Step::finish},
+    {Step::request, Step::start, Step::failNetworkProcess, Step::finish},
+    {Step::request, Step::start, Step::failCannotShow, Step::finish},
+    {Step::request, Step::start, Step::page, Step::failAtPolicy, Step::finish},
+    {Step::request, Step::start, Step::page, Step::commit, Step::fail, Step::finish},
+    {Step::request, Step::start, Step::failTls, Step::finish},
+    {Step::request, Step::start, Step::cancel, Step::finish},
+    {Step::request, Step::start, Step::page, Step::commit, Step::leadOn, Step::request, Step::start,
+     Step::cancel, Step::finish},
+    {Step::request, Step::start, Step::stop},
+    {Step::request, Step::start, Step::page, Step::commit, Step::stop},
+    {Step::request, Step::start, Step::page, Step::commit, Step::die},
+    {Step::request, Step::start, Step::die},
 };
 
 /// How it ends what it was loading when another load takes its place.
@@ -101,6 +109,23 @@ struct Wish {
     bool isForCookie = false;
     std::string url;
     std::string finalUrl;
+    std::string cookie;
+    std::string errorCookie;
+};
+
+/// A request of a page, and what the store held before, if the operation that is open now knows it.
+struct Request {
+    std::string uri;
+    std::optional<Cookies> before;
+    int stretch;
+};
+
+/// A query that waits for its answer.
+struct Query {
+    CookieQuery query;
+    int stretch;
+    Cookies before;  ///< for a page: what the store held before the page's request
+    int request;     ///< the number of the latest request
 };
 
 class World final : public IPageOperationPort {
@@ -129,12 +154,12 @@ public:
         m_ownLoad = ++m_lastLoad;
         AppendCourse(kCourses[Draw(kCourses.size())]);
         m_loadUri = url;
-        m_hasStarted = m_hasAnswered = false;
+        m_hasStarted = m_hasAnswered = m_isHeld = false;
     }
 
     void EndProcess() override {
         Check(m_isOpen, "a process ended for no open operation");
-        m_course.clear();
+        DropCourse();
         m_processHasLoaded = false;
         m_operation.OnProcessEnded();
     }
@@ -144,13 +169,11 @@ public:
     void QueryCookies(const CookieQuery& query) override {
         if (query.purpose == CookieQuery::Purpose::page) {
             Check(m_isOpen && m_begun.isForCookie, "a page's query for no open operation");
-            Check(query.uri == m_pageUri, "a query for another page");
-            Check(m_baseline.has_value(), "a page's query without a baseline");
-            Check(!std::exchange(m_isPageQueried, true), "two queries for pages at once");
+            Check(query.uri == m_requests.back().uri, "a query for another page");
         } else if (query.purpose == CookieQuery::Purpose::finalPage) {
             Check(!m_isResultSent, "a final page's query behind the result");
         }
-        m_queries.emplace_back(query, m_stretch);
+        m_queries.push_back({query, m_stretch, m_pageBefore, m_lastRequest});
     }
 
     [[nodiscard]] bool IsResultSent() const override { return m_isResultSent; }
@@ -229,11 +252,20 @@ private:
         Wish wish;
         wish.isReset = Draw(8) == 0;
         wish.isForCookie = Draw(2) == 0;
-        wish.url = kUrls[Draw(3)];
+        wish.url = DrawUrl();
         wish.finalUrl = Draw(6) == 0 ? kNowhere : kUrls[Draw(3)];
+        wish.cookie = wish.isForCookie ? (Draw(3) == 0 ? "__Host-sid" : "sid") : "";
+        wish.errorCookie = Draw(2) == 0 ? "err" : "";
         m_queued.push_back(wish);
         m_isResultSent = false;
         m_results = 0;
+    }
+
+    const std::string& DrawUrl() { return Draw(4) == 0 ? kElsewhere : kUrls[Draw(3)]; }
+
+    void DropCourse() {
+        m_course.clear();
+        m_isHeld = false;
     }
 
     void CarryOut() {
@@ -245,7 +277,7 @@ private:
         ++m_number;
         ++m_stretch;
         m_ownLoad = m_loads = m_cancelled = 0;
-        m_isRepeated = m_hasStarted = m_hasAnswered = m_hasChanged = m_isPageLast = false;
+        m_isRepeated = m_hasStarted = m_hasAnswered = false;
         m_baseline.reset();
         Expect("", [this] {
             if (m_begun.isReset) {
@@ -253,14 +285,14 @@ private:
             } else {
                 m_isOpen = true;
                 m_operation.Begin(m_begun.url, m_begun.finalUrl,
-                                  {m_begun.isForCookie ? "sid" : "", "err"});
+                                  {m_begun.cookie, m_begun.errorCookie});
             }
         });
     }
 
     /// The window reports that it is ready by itself, and takes another result behind that.
     void ReplaceView() {
-        m_course.clear();
+        DropCourse();
         m_viewUri.clear();
         m_processHasLoaded = false;
         m_operation.OnViewReplaced();
@@ -280,6 +312,10 @@ private:
             case 2:
                 TellResponsiveness(Draw(2) == 0);
                 break;
+            case 3:
+                // A script, a picture, a page without TLS, or another host.
+                ChangeCookies();
+                break;
             default:
                 break;
         }
@@ -294,7 +330,7 @@ private:
     }
 
     void TellNext() {
-        if (m_course.empty()) {
+        if (m_course.empty() || m_isHeld) {
             return;
         }
         const auto [step, load] = m_course.front();
@@ -305,11 +341,12 @@ private:
             case Step::leadOn:
             case Step::cookie:
             case Step::request:
-            case Step::otherRequest:
+            case Step::redirect:
                 Expect("", [&, step = step] { TellProgress(step, isOwn); });
                 break;
             case Step::page:
             case Step::pageWithHeader:
+            case Step::fetchedPage:
             case Step::picture:
             case Step::errorPage:
                 TellResponse(step, isOwn);
@@ -328,58 +365,118 @@ private:
                 m_operation.OnLoadStarted();
                 break;
             case Step::leadOn:
-                m_loadUri = kUrls[Draw(3)];
+                m_loadUri = DrawUrl();
                 break;
             case Step::cookie:
                 ChangeCookies();
                 break;
+            case Step::redirect:
+                m_loadUri = DrawUrl();
+                TellRequest();
+                break;
             default:
-                m_isPageLast = false;
-                m_isWatched = m_operation.OnRequest(step == Step::request ? m_loadUri : kElsewhere);
-                Check(m_isWatched == (step == Step::request && m_begun.isForCookie &&
-                                      !m_begun.finalUrl.empty()),
-                      "another request watched");
+                m_requests.clear();
+                TellRequest();
         }
+    }
+
+    /// The engine waits with the request, and so with all that follows, until the store answers.
+    void TellRequest() {
+        m_requests.push_back({m_loadUri, std::nullopt, m_stretch});
+        ++m_lastRequest;
+        const std::optional<CookieQuery> query = m_operation.OnNavigation(m_loadUri);
+        const bool isWatched = m_isOpen && m_begun.isForCookie && MayDecide(m_loadUri);
+        m_isHeld = query.has_value();
+        Check(m_isHeld == (isWatched && m_hasStarted), "another request held up");
+        if (isWatched && !m_hasStarted) {
+            m_requests.back().before = m_baseline;
+        }
+        if (query) {
+            Check(query->uri == m_loadUri, "a baseline for another request");
+            m_queries.push_back({*query, m_stretch, {}, m_lastRequest});
+        }
+    }
+
+    [[nodiscard]] bool IsOfFinalHost(const std::string& uri) const {
+        return uri != kElsewhere && !m_begun.finalUrl.empty();
+    }
+
+    [[nodiscard]] bool IsSecureEnough(const std::string& uri) const {
+        return uri.rfind("https:", 0) == 0 || m_begun.finalUrl.rfind("https:", 0) != 0;
+    }
+
+    [[nodiscard]] bool MayDecide(const std::string& uri) const {
+        return IsOfFinalHost(uri) && IsSecureEnough(uri);
+    }
+
+    /// What the store held before the page's first request behind all those that may not decide.
+    [[nodiscard]] std::optional<Cookies> BeforePage() const {
+        std::optional<Cookies> before;
+        for (const Request& request : m_requests) {
+            const bool isFirst = &request == m_requests.data() || !MayDecide((&request - 1)->uri);
+            if (!MayDecide(request.uri)) {
+                before.reset();
+            } else if (isFirst) {
+                before = request.stretch == m_stretch ? request.before : std::nullopt;
+            }
+        }
+        return before;
     }
 
     void ChangeCookies() {
         m_cookies.clear();
         const std::string value = std::to_string(++m_cookieNumber);
-        if (Draw(4) != 0) {
-            m_cookies.push_back({Draw(3) == 0 ? "err" : "sid", value, "host", "/"});
+        static const std::array<std::string, 5> kNames{"sid", "__Host-sid", "err", "other", ""};
+        for (std::size_t count = Draw(3); count > 0; --count) {
+            m_cookies.push_back({kNames[Draw(5)], value, "host", "/", Draw(2) == 0});
         }
-        if (Draw(2) == 0) {
-            m_cookies.push_back({Draw(3) == 0 ? "sid" : "other", value, "host", "/"});
-        }
-        m_hasChanged = true;
-        const bool isDue = m_isPageLast && CanPageBeQueried();
-        m_operation.OnCookiesChanged();
-        Check(!isDue || m_isPageQueried, "no query for a change behind its page");
     }
 
-    [[nodiscard]] bool CanPageBeQueried() const { return m_isOpen && m_baseline.has_value(); }
-
     void TellResponse(Step step, bool isOwn) {
-        if (!m_isWatched) {
+        Check(m_operation.WatchesResponses() == m_begun.isForCookie, "other responses watched");
+        if (!m_begun.isForCookie || m_requests.empty()) {
             return;
         }
-        PageResponse response{200, "text/html", m_loadUri, std::nullopt};
+        PageResponse response{200, "text/html", {}, std::nullopt};
+        for (const Request& request : m_requests) {
+            response.requests.push_back(request.uri);
+        }
         response.status = step == Step::errorPage ? 404 : 200;
         response.mimeType = step == Step::picture ? "image/png" : "text/html";
         const bool isPage = isOwn && (step == Step::page || step == Step::pageWithHeader);
         std::string expected;
         if (step == Step::pageWithHeader) {
             response.setCookie = Draw(2) == 0 ? "sid=header;" : "err=header;";
-            expected = *response.setCookie == "sid=header;" ? "success_with_cookie header"
-                                                            : "error_cookie header";
-        } else if (isPage) {
-            m_pageUri = m_loadUri;
-            m_isPageLast = true;
+            expected = ResultOfHeader(*response.setCookie);
         }
-        const bool isDue = step == Step::page && isPage && CanPageBeQueried() &&
-                           (m_hasChanged || m_areChangesUntold);
+        const std::optional<Cookies> before = isPage ? BeforePage() : std::nullopt;
+        m_pageBefore = before.value_or(Cookies{});
+        const bool isEnd = !expected.empty() && !m_isResultSent;
+        const bool isQueryDue = before && m_isOpen && !isEnd;
+        const std::size_t queries = m_queries.size();
         Expect(isPage ? expected : "", [&] { m_operation.OnResponse(response); });
-        Check(!isDue || m_isPageQueried, "no query for a page that changed the store");
+        Check(m_queries.size() == queries + (isQueryDue ? 1 : 0), "another query for a page");
+        if (isPage) {
+            ForgetBefore();
+        }
+    }
+
+    /// What was known of a page's requests counts once: a page that a script fetches from the same
+    /// address decides nothing.
+    void ForgetBefore() {
+        for (Request& request : m_requests) {
+            request.before.reset();
+        }
+    }
+
+    [[nodiscard]] std::string ResultOfHeader(const std::string& header) const {
+        if (!IsOfFinalHost(m_requests.front().uri) || !IsSecureEnough(m_requests.back().uri)) {
+            return "";
+        }
+        if (header == "sid=header;") {
+            return m_begun.cookie == "sid" ? "success_with_cookie header" : "";
+        }
+        return m_begun.errorCookie == "err" ? "error_cookie header" : "";
     }
 
     void TellEnd(Step step, bool isOwn) {
@@ -405,7 +502,7 @@ private:
                 TellLoss(isFirst, false, [this] { m_operation.OnLoadStopped(); });
                 break;
             case Step::die:
-                m_course.clear();
+                DropCourse();
                 TellDeath(isOwn);
                 break;
             default:
@@ -458,7 +555,6 @@ private:
             Check(m_operation.OnLoadFailed({code, false, "", ""}) == (code != 302),
                   "another failure handled");
         });
-        m_areChangesUntold = m_areChangesUntold || code == 300;
     }
 
     static int CodeOf(Step step) {
@@ -480,32 +576,40 @@ private:
         if (m_queries.empty()) {
             return;
         }
-        const auto [query, stretch] = m_queries.front();
+        const auto [query, stretch, before, request] = m_queries.front();
         m_queries.pop_front();
         const std::optional<Cookies> answer =
             Draw(10) == 0 ? std::nullopt : std::make_optional(m_cookies);
         const bool isCurrent = stretch == m_stretch;
+        std::string expected;
         const int loads = m_loads;
         const bool isLoadDue = isCurrent && query.purpose == CookieQuery::Purpose::baseline;
-        std::string expected;
         if (isLoadDue) {
             m_baseline = answer;
+        } else if (query.purpose == CookieQuery::Purpose::request) {
+            Release(request, answer);
         } else if (isCurrent && answer) {
-            expected = query.purpose == CookieQuery::Purpose::page ? ResultOfPage(*answer)
+            expected = query.purpose == CookieQuery::Purpose::page ? ResultOfPage(*answer, before)
                                                                    : ResultOfFinalPage(*answer);
         }
-        m_isPageQueried = m_isPageQueried && query.purpose != CookieQuery::Purpose::page;
         Expect(expected, [&, query = query] { m_operation.OnCookies(query, answer); });
         Check(m_loads == loads + (isLoadDue ? 1 : 0), "another load behind the baseline");
     }
 
+    /// The request that waited for the store goes out, unless another load has taken its place.
+    void Release(int request, const std::optional<Cookies>& before) {
+        if (m_isHeld && request == m_lastRequest) {
+            m_requests.back().before = before;
+            m_isHeld = false;
+        }
+    }
+
     /// What a new cookie of the list decides: the wanted one before the error cookie.
-    [[nodiscard]] std::string ResultOfPage(const Cookies& cookies) const {
-        for (const char* const name : {"sid", "err"}) {
+    [[nodiscard]] std::string ResultOfPage(const Cookies& cookies, const Cookies& before) const {
+        for (const std::string& name : {m_begun.cookie, m_begun.errorCookie}) {
             for (const StoredCookie& cookie : cookies) {
-                const bool isNew =
-                    std::find(m_baseline->begin(), m_baseline->end(), cookie) == m_baseline->end();
-                if (cookie.name == name && isNew) {
+                const bool isNew = std::find(before.begin(), before.end(), cookie) == before.end();
+                if (cookie.name == name && isNew && !ResultOf(cookie).empty()) {
                     return ResultOf(cookie);
                 }
             }
@@ -513,17 +617,25 @@ private:
         return "";
     }
 
-    [[nodiscard]] static std::string ResultOfFinalPage(const Cookies& cookies) {
+    [[nodiscard]] std::string ResultOfFinalPage(const Cookies& cookies) const {
         for (const StoredCookie& cookie : cookies) {
-            if (cookie.name != "other") {
-                return ResultOf(cookie);
+            if (std::string result = ResultOf(cookie); !result.empty()) {
+                return result;
             }
         }
         return cookies.empty() ? "" : "error_cookie";
     }
 
-    [[nodiscard]] static std::string ResultOf(const StoredCookie& cookie) {
-        return (cookie.name == "sid" ? "success_with_cookie " : "error_cookie ") + cookie.value;
+    /// A cookie without a name decides nothing, nor does one that breaks its name's promise.
+    [[nodiscard]] std::string ResultOf(const StoredCookie& cookie) const {
+        const bool isForged = cookie.name == "__Host-sid" && !cookie.isSecure;
+        if (cookie.name.empty() || isForged) {
+            return "";
+        }
+        if (cookie.name == m_begun.cookie) {
+            return "success_with_cookie " + cookie.value;
+        }
+        return cookie.name == m_begun.errorCookie ? "error_cookie " + cookie.value : "";
     }
 
     /// Everything that is under way ends, and then the user closes the window: by then the last
@@ -572,16 +684,15 @@ private:
     std::string m_viewUri;
 
     // The store.
-    std::deque<std::pair<CookieQuery, int>> m_queries;
+    std::deque<Query> m_queries;
     Cookies m_cookies;
     int m_cookieNumber = 0;
     std::optional<Cookies> m_baseline;
-    bool m_hasChanged = false;
-    bool m_areChangesUntold = false;
-    bool m_isWatched = false;
-    bool m_isPageLast = false;
-    bool m_isPageQueried = false;
-    std::string m_pageUri;
+    // The requests of the page that is being loaded; whether the last of them waits for the store.
+    std::vector<Request> m_requests;
+    bool m_isHeld = false;
+    int m_lastRequest = 0;
+    Cookies m_pageBefore;
 };
 
 std::uint64_t Seed() {

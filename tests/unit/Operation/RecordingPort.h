@@ -41,7 +41,7 @@ public:
     }
     [[nodiscard]] bool CanQueryCookies() const override { return m_canQuery; }
     void QueryCookies(const CookieQuery& query) override {
-        static constexpr const char* kPurposes[] = {"baseline ", "page ", "finalPage "};
+        static constexpr const char* kPurposes[] = {"baseline ", "request ", "page ", "finalPage "};
         m_lines.push_back("ask " + std::string(kPurposes[static_cast<int>(query.purpose)]) +
                           query.uri);
         m_queries.push_back(query);

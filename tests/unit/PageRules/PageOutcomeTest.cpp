@@ -52,9 +52,3 @@ TEST(PageOutcome, SeesCookiesInSuccessfulHtmlOnly) {
     EXPECT_FALSE(IsCookieBearingResponse(200, "text/html; charset=utf-8"));
     EXPECT_FALSE(IsCookieBearingResponse(200, nullptr));
 }
-
-TEST(PageOutcome, ALostNetworkProcessHasANumberOfItsOwn) {
-    EXPECT_TRUE(IsNetworkProcessLoss(300));
-    EXPECT_FALSE(IsNetworkProcessLoss(302));
-    EXPECT_FALSE(IsNetworkProcessLoss(0));
-}

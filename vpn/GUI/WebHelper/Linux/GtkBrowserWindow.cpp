@@ -7,7 +7,9 @@
 #include <cassert>
 #include <limits>
 #include <optional>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "Accelerators.h"
 #include "AppLog.h"
@@ -31,6 +33,7 @@ namespace {
 constexpr int kWindowWidth = 1000;
 constexpr int kWindowHeight = 600;
 constexpr guint kMiddleButton = 2;
+constexpr char kRequestsKey[] = "tk-requests";
 constexpr char kWindowIcon[] = "/resources/vpnui128.png";
 
 // If the suite's resources are missing, the window has no icon.
@@ -64,6 +67,28 @@ std::string TextOf(const char* text) {
 // Empty for a view without a page.
 std::string UriOf(WebKitWebView* webView) {
     return TextOf(webkit_web_view_get_uri(webView));
+}
+
+std::string UriOf(WebKitURIRequest* request) {
+    return TextOf(webkit_uri_request_get_uri(request));
+}
+
+// The addresses that were requested for a watched resource, which owns them.
+std::vector<std::string>& RequestsOf(WebKitWebResource* resource) {
+    return *static_cast<std::vector<std::string>*>(
+        g_object_get_data(G_OBJECT(resource), kRequestsKey));
+}
+
+void SetRequestsOf(WebKitWebResource* resource, std::vector<std::string> requests) {
+    auto owned = std::make_unique<std::vector<std::string>>(std::move(requests));
+    g_object_set_data_full(G_OBJECT(resource), kRequestsKey, owned.release(), [](gpointer data) {
+        delete static_cast<std::vector<std::string>*>(data);
+    });
+}
+
+WebKitNavigationAction* ActionOf(WebKitPolicyDecision* decision) {
+    return webkit_navigation_policy_decision_get_navigation_action(
+        WEBKIT_NAVIGATION_POLICY_DECISION(decision));
 }
 
 // 0 for a page without a response.
@@ -119,7 +144,6 @@ struct GtkBrowserWindow::MainThreadParts {
     GObjectPtr<GtkWidget> window;
     GObjectPtr<WebKitWebView> webView;
     GObjectPtr<WebKitWebContext> webContext;
-    WebKitCookieManager* cookieManager = nullptr;
     std::optional<CCookieStore> cookieStore;
     GObjectPtr<GtkAccelGroup> acceleratorGroup;
     std::unique_ptr<CPageGuard> pageGuard;
@@ -227,14 +251,19 @@ struct GtkBrowserWindow::Callbacks {
         OperationOf(self).OnProcessEnded();
     }
 
-    static void cookiesChangedCB(WebKitCookieManager* /*manager*/, GtkBrowserWindow* self) {
-        OperationOf(self).OnCookiesChanged();
-    }
-
     static void onResourceLoadStarted(WebKitWebView* /*webView*/, WebKitWebResource* resource,
                                       WebKitURIRequest* request, GtkBrowserWindow* self) {
-        if (OperationOf(self).OnRequest(TextOf(webkit_uri_request_get_uri(request)))) {
+        if (OperationOf(self).WatchesResponses()) {
+            SetRequestsOf(resource, {UriOf(request)});
+            g_signal_connect(resource, "sent-request", G_CALLBACK(onRequestSent), nullptr);
             g_signal_connect(resource, "notify::response", G_CALLBACK(onResourceResponse), self);
+        }
+    }
+
+    static void onRequestSent(WebKitWebResource* resource, WebKitURIRequest* request,
+                              const WebKitURIResponse* redirect) {
+        if (redirect != nullptr) {
+            RequestsOf(resource).push_back(UriOf(request));
         }
     }
 
@@ -244,19 +273,19 @@ struct GtkBrowserWindow::Callbacks {
         if (response != nullptr) {
             OperationOf(self).OnResponse({webkit_uri_response_get_status_code(response),
                                           TextOf(webkit_uri_response_get_mime_type(response)),
-                                          TextOf(webkit_uri_response_get_uri(response)),
-                                          SetCookieOf(response)});
+                                          RequestsOf(resource), SetCookieOf(response)});
         }
     }
 
     static gboolean onDecidePolicy(WebKitWebView* webView, WebKitPolicyDecision* decision,
-                                   WebKitPolicyDecisionType type, GtkBrowserWindow* /*self*/) {
+                                   WebKitPolicyDecisionType type, GtkBrowserWindow* self) {
+        if (type == WEBKIT_POLICY_DECISION_TYPE_NAVIGATION_ACTION) {
+            return holdNavigation(decision, self);
+        }
         if (type != WEBKIT_POLICY_DECISION_TYPE_NEW_WINDOW_ACTION) {
             return FALSE;
         }
-        WebKitNavigationAction* const action =
-            webkit_navigation_policy_decision_get_navigation_action(
-                WEBKIT_NAVIGATION_POLICY_DECISION(decision));
+        WebKitNavigationAction* const action = ActionOf(decision);
         if (webkit_navigation_action_get_navigation_type(action) !=
                 WEBKIT_NAVIGATION_TYPE_LINK_CLICKED &&
             webkit_navigation_action_get_mouse_button(action) != kMiddleButton) {
@@ -265,6 +294,24 @@ struct GtkBrowserWindow::Callbacks {
         // There is never a second window: what would open one is loaded in this view.
         webkit_web_view_load_request(webView, webkit_navigation_action_get_request(action));
         webkit_policy_decision_ignore(decision);
+        return TRUE;
+    }
+
+    // Without the wait a quick page's cookie could be in the store before the answer, and would
+    // count as an older one.
+    static gboolean holdNavigation(WebKitPolicyDecision* decision, GtkBrowserWindow* self) {
+        const std::optional<CookieQuery> query = OperationOf(self).OnNavigation(
+            UriOf(webkit_navigation_action_get_request(ActionOf(decision))));
+        if (!query) {
+            return FALSE;
+        }
+        const std::shared_ptr<WebKitPolicyDecision> held(
+            WEBKIT_POLICY_DECISION(g_object_ref(decision)), g_object_unref);
+        self->m_parts->cookieStore->QueryAll(query->uri,
+                                             [self, query = *query, held](const auto& cookies) {
+                                                 OperationOf(self).OnCookies(query, cookies);
+                                                 webkit_policy_decision_use(held.get());
+                                             });
         return TRUE;
     }
 
@@ -293,7 +340,6 @@ GtkBrowserWindow::~GtkBrowserWindow() {
     RemoveSource(m_parts->loadStoppedSource);
     g_signal_handlers_disconnect_by_data(m_parts->webView.get(), this);
     g_signal_handlers_disconnect_by_data(m_parts->window.get(), this);
-    g_signal_handlers_disconnect_by_data(m_parts->cookieManager, this);
 }
 
 void GtkBrowserWindow::init(GtkApplication* application) {
@@ -317,8 +363,6 @@ void GtkBrowserWindow::init(GtkApplication* application) {
     RefuseDownloads(m_parts->webContext.get());
     WebKitCookieManager* const manager =
         webkit_web_context_get_cookie_manager(m_parts->webContext.get());
-    m_parts->cookieManager = manager;
-    g_signal_connect(manager, "changed", G_CALLBACK(Callbacks::cookiesChangedCB), this);
     m_parts->cookieStore.emplace(manager);
     KeepCookiesInHome(manager);
 }

@@ -1,5 +1,6 @@
 #include "PageOperation.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "AppLog.h"
@@ -15,6 +16,7 @@ void CPageOperation::Begin(const std::string& url, const std::string& finalUrl,
     m_finalUrl = finalUrl;
     m_wanted = std::move(wanted);
     m_cookieWatch.Begin();
+    m_isOpen = true;
     m_load.Prepare(url);
     if (m_wanted.AreWanted() && m_port.CanQueryCookies()) {
         // The load waits for this answer. Otherwise a quick page's cookie could be in the store
@@ -28,6 +30,7 @@ void CPageOperation::Begin(const std::string& url, const std::string& finalUrl,
 void CPageOperation::OnResult() {
     ++m_number;
     m_cookieWatch.Begin();
+    m_isOpen = false;
     m_load.OnResult();
 }
 
@@ -53,10 +56,6 @@ void CPageOperation::OnPageFinished(const std::string& uri) {
 }
 
 bool CPageOperation::OnLoadFailed(const PageFailure& failure) {
-    if (IsNetworkProcessLoss(failure.code)) {
-        // The engine reports no cookie changes in the new network process.
-        m_cookieWatch.OnChangesUntold();
-    }
     const LoadFailure kind = ClassifyLoadFailure(failure.code);
     if (kind == LoadFailure::cancelled) {
         return false;
@@ -94,30 +93,52 @@ void CPageOperation::OnProcessEnded() {
     }
 }
 
-bool CPageOperation::OnRequest(const std::string& uri) {
-    if (!m_wanted.AreWanted()) {
-        return false;
+std::optional<CookieQuery> CPageOperation::OnNavigation(const std::string& uri) {
+    if (!m_isOpen || !m_wanted.AreWanted() || !m_port.CanQueryCookies() || !mayDecide(uri)) {
+        return std::nullopt;
     }
-    m_cookieWatch.OnRequest();
-    return HaveEqualHosts(uri.c_str(), m_finalUrl.c_str());
+    if (m_load.IsToCome()) {
+        // If the operation's own load waited here, a page that never stops navigating could take
+        // its place.
+        m_cookieWatch.OnFirstRequest(uri);
+        return std::nullopt;
+    }
+    return CookieQuery{CookieQuery::Purpose::request, uri, m_number};
+}
+
+bool CPageOperation::mayDecide(const std::string& uri) const {
+    return HaveEqualHosts(uri.c_str(), m_finalUrl.c_str()) &&
+           IsAsSecureAs(uri.c_str(), m_finalUrl.c_str());
 }
 
 void CPageOperation::OnResponse(const PageResponse& response) {
     if (m_load.IsToCome() || !IsCookieBearingResponse(response.status, response.mimeType.c_str())) {
         return;
     }
-    if (response.setCookie) {
-        endWith(m_wanted.FindInHeader(*response.setCookie));
-        return;
-    }
+    judgeHeader(response);
     // Current engines hide the header. Its effect on the store still shows.
-    m_cookieWatch.OnPage(response.uri);
-    queryForPage();
+    queryForPage(response.requests);
 }
 
-void CPageOperation::OnCookiesChanged() {
-    m_cookieWatch.OnCookiesChanged();
-    queryForPage();
+void CPageOperation::judgeHeader(const PageResponse& response) {
+    if (response.setCookie &&
+        HaveEqualHosts(response.requests.front().c_str(), m_finalUrl.c_str()) &&
+        IsAsSecureAs(response.requests.back().c_str(), m_finalUrl.c_str())) {
+        endWith(m_wanted.FindInHeader(*response.setCookie));
+    }
+}
+
+void CPageOperation::queryForPage(const std::vector<std::string>& requests) {
+    // A redirect's cookies count with the page behind it, but not those from before the last
+    // address that may not decide.
+    const auto first =
+        std::find_if_not(requests.rbegin(), requests.rend(), [this](const std::string& uri) {
+            return mayDecide(uri);
+        }).base();
+    if (auto baseline = m_cookieWatch.TakeBaseline({first, requests.end()})) {
+        m_port.QueryCookies(
+            {CookieQuery::Purpose::page, requests.back(), m_number, *std::move(baseline)});
+    }
 }
 
 void CPageOperation::OnCookies(const CookieQuery& query,
@@ -130,12 +151,15 @@ void CPageOperation::OnCookies(const CookieQuery& query,
                 m_load.Ask();
             }
             break;
-        case CookieQuery::Purpose::page:
-            m_cookieWatch.OnAnswered();
-            if (isCurrent && cookies) {
-                endWith(m_wanted.FindPreferred(m_cookieWatch.NewOnes(*cookies)));
+        case CookieQuery::Purpose::request:
+            if (isCurrent) {
+                m_cookieWatch.OnRequest(query.uri, cookies);
             }
-            queryForPage();
+            break;
+        case CookieQuery::Purpose::page:
+            if (isCurrent && cookies) {
+                endWith(m_wanted.FindPreferred(CCookieWatch::NewOnes(*cookies, query.baseline)));
+            }
             break;
         case CookieQuery::Purpose::finalPage:
             if (isCurrent && cookies) {
@@ -169,12 +193,6 @@ void CPageOperation::OnWindowClosed() {
 
 void CPageOperation::query(CookieQuery::Purpose purpose, const std::string& uri) {
     m_port.QueryCookies({purpose, uri, m_number});
-}
-
-void CPageOperation::queryForPage() {
-    if (const std::optional<std::string> uri = m_cookieWatch.TakeQuery()) {
-        query(CookieQuery::Purpose::page, *uri);
-    }
 }
 
 void CPageOperation::end(BrowserResultType result) {

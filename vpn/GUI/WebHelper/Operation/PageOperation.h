@@ -18,7 +18,8 @@ class IPageOperationPort;
 struct PageResponse {
     std::uint32_t status;
     std::string mimeType;
-    std::string uri;
+    /// The addresses that were requested: each but the last redirected to the next. Never empty.
+    std::vector<std::string> requests;
     std::optional<std::string> setCookie;  ///< current engines hide this header
 };
 
@@ -36,9 +37,9 @@ struct PageFailure {
 ///
 /// An operation without a wanted cookie ends when the page at its final URL has finished. An
 /// operation with a wanted cookie ends when a page of the final URL's host brings that cookie or
-/// the error cookie. It also ends at the final page, depending on the cookies that the store has
-/// for that page. Both kinds end when the page cannot be loaded, when its process dies, when the
-/// time is over or when the person closes the window.
+/// the error cookie, over https if the final URL has it. It also ends at the final page, depending
+/// on the cookies that the store has for that page. Both kinds end when the page cannot be loaded,
+/// when its process dies, when the time is over or when the person closes the window.
 ///
 /// Once the operation has begun, an event of the previous page decides nothing. Main thread only.
 class CPageOperation {
@@ -69,10 +70,12 @@ public:
     void OnResponsiveness(bool isResponsive) { m_load.OnResponsiveness(isResponsive); }
 
     // Events of requests and of the cookie store.
-    /// Returns true if OnResponse() must be called with the response.
-    [[nodiscard]] bool OnRequest(const std::string& uri);
+    /// A page or a frame is about to request this address, also by a redirect. Returns a query that
+    /// must be answered before the request may be sent; nothing if there is none.
+    [[nodiscard]] std::optional<CookieQuery> OnNavigation(const std::string& uri);
+    /// Whether OnResponse() must be called with every response.
+    [[nodiscard]] bool WatchesResponses() const { return m_wanted.AreWanted(); }
     void OnResponse(const PageResponse& response);
-    void OnCookiesChanged();
     /// The answer to a query. No value means that the query failed.
     void OnCookies(const CookieQuery& query,
                    const std::optional<std::vector<StoredCookie>>& cookies);
@@ -82,7 +85,9 @@ public:
 
 private:
     void query(CookieQuery::Purpose purpose, const std::string& uri);
-    void queryForPage();
+    [[nodiscard]] bool mayDecide(const std::string& uri) const;
+    void judgeHeader(const PageResponse& response);
+    void queryForPage(const std::vector<std::string>& requests);
     void decideByFinalPage(const std::vector<StoredCookie>& cookies);
     void endWith(const std::optional<DecidingCookie>& cookie);
     void end(BrowserResultType result);
@@ -95,4 +100,5 @@ private:
     // Generation counter: changes when an operation begins and when it ends. Answers of an older
     // generation are dropped.
     std::uint64_t m_number = 0;
+    bool m_isOpen = false;
 };

@@ -7,8 +7,6 @@ namespace {
 // WEBKIT_NETWORK_ERROR_CANCELLED and WEBKIT_POLICY_ERROR_CANNOT_SHOW_URI.
 constexpr int kCancelled = 302;
 constexpr int kCannotShowUri = 101;
-// The engine's internal error, which has no name in its interface.
-constexpr int kInternalError = 300;
 
 }  // namespace
 
@@ -21,10 +19,6 @@ LoadFailure ClassifyLoadFailure(int errorCode) {
         default:
             return LoadFailure::failed;
     }
-}
-
-bool IsNetworkProcessLoss(int errorCode) {
-    return errorCode == kInternalError;
 }
 
 bool IsHttpError(std::uint32_t status) {

@@ -15,9 +15,6 @@ enum class LoadFailure {
 /// Classifies a failure by the error's numeric code alone, whatever its domain.
 LoadFailure ClassifyLoadFailure(int errorCode);
 
-/// True for the error with which a load ends when its network process has died.
-bool IsNetworkProcessLoss(int errorCode);
-
 /// True for the statuses 400 to 599.
 bool IsHttpError(std::uint32_t status);
 

@@ -21,6 +21,11 @@ inline SoupUriPtr ParseUri(const char* text) {
     return SoupUriPtr(g_uri_parse(text, static_cast<GUriFlags>(flags), nullptr));
 }
 
+/// In lower case. Owned by the URI.
+inline const char* SchemeOf(GUri* uri) {
+    return g_uri_get_scheme(uri);
+}
+
 /// Null when the URI has no host. Owned by the URI.
 inline const char* HostOf(GUri* uri) {
     return g_uri_get_host(uri);
@@ -36,6 +41,11 @@ using SoupUriPtr = std::unique_ptr<SoupURI, SoupUriFree>;
 /// Null when the text is no URI.
 inline SoupUriPtr ParseUri(const char* text) {
     return SoupUriPtr(soup_uri_new(text));
+}
+
+/// In lower case. Owned by the URI.
+inline const char* SchemeOf(SoupURI* uri) {
+    return soup_uri_get_scheme(uri);
 }
 
 /// Null when the URI has no host. Owned by the URI.

@@ -4,6 +4,15 @@
 
 #include "SoupUri.h"
 
+namespace {
+
+bool IsHttps(const char* text) {
+    const SoupUriPtr uri = ParseUri(text);
+    return uri != nullptr && std::strcmp(SchemeOf(uri.get()), "https") == 0;
+}
+
+}  // namespace
+
 bool HaveEqualHosts(const char* firstUri, const char* secondUri) {
     const SoupUriPtr first = ParseUri(firstUri);
     const SoupUriPtr second = ParseUri(secondUri);
@@ -13,4 +22,8 @@ bool HaveEqualHosts(const char* firstUri, const char* secondUri) {
     const char* const firstHost = HostOf(first.get());
     const char* const secondHost = HostOf(second.get());
     return firstHost != nullptr && secondHost != nullptr && std::strcmp(firstHost, secondHost) == 0;
+}
+
+bool IsAsSecureAs(const char* uri, const char* otherUri) {
+    return IsHttps(uri) || !IsHttps(otherUri);
 }

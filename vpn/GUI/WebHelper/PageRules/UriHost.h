@@ -2,3 +2,7 @@
 
 /// True if both texts are URIs with a host, and the hosts are equal, letter case included.
 bool HaveEqualHosts(const char* firstUri, const char* secondUri);
+
+/// False if the other text is an https URI and the first is none. An answer without TLS must not
+/// decide for a page that has it.
+bool IsAsSecureAs(const char* uri, const char* otherUri);
