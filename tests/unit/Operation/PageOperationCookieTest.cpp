@@ -360,6 +360,64 @@ TEST_F(PageOperationForCookie, StaysOpenWhenTheStoreIsEmptyOrDoesNotAnswer) {
     EXPECT_THAT(m_log.Lines(), IsEmpty());
 }
 
+TEST_F(PageOperationForCookie, AsksAgainAtItsFinalPageWheneverTheStoreChanges) {
+    StartBrowseForCookie();
+    m_operation.OnPageFinished(kFinal);
+    m_port.Answer(Cookies{});
+    m_operation.OnCookiesChanged();
+    m_port.Answer({{Cookie("other", "1")}});
+    m_operation.OnCookiesChanged();
+    m_port.Answer(std::nullopt);
+    m_operation.OnCookiesChanged();
+    m_port.Answer({{Cookie("other", "1"), Cookie("sid", "abc")}});
+    m_operation.OnCookiesChanged();
+    EXPECT_THAT(
+        Asked(),
+        ElementsAre("ask finalPage http://host/final", "ask finalPageAgain http://host/final",
+                    "ask finalPageAgain http://host/final", "ask finalPageAgain http://host/final",
+                    "success_with_cookie abc"));
+    EXPECT_THAT(m_log.Lines(), IsEmpty());
+}
+
+TEST_F(PageOperationForCookie, AsksOneQuestionAtATimeAtItsFinalPage) {
+    StartBrowseForCookie();
+    m_operation.OnPageFinished(kFinal);
+    m_operation.OnCookiesChanged();
+    m_operation.OnCookiesChanged();
+    EXPECT_THAT(Asked(), ElementsAre("ask finalPage http://host/final"));
+    m_port.Answer(Cookies{});
+    EXPECT_THAT(Asked(), ElementsAre("ask finalPageAgain http://host/final"));
+    m_port.Answer({{Cookie("err", "denied")}});
+    EXPECT_THAT(Asked(), ElementsAre("error_cookie denied"));
+}
+
+TEST_F(PageOperationForCookie, AsksNothingWhenTheStoreChangesBeforeItsFinalPageOrBehindIt) {
+    StartBrowseForCookie();
+    m_operation.OnCookiesChanged();
+    m_operation.OnPageFinished(kPage);
+    m_operation.OnCookiesChanged();
+    m_operation.OnPageFinished(kFinal);
+    m_port.Answer(Cookies{});
+    m_operation.OnLoadStarted();
+    m_operation.OnCookiesChanged();
+    EXPECT_THAT(Asked(), ElementsAre("ask finalPage http://host/final"));
+}
+
+TEST_F(PageOperationForCookie, AsksNothingWhenTheStoreChangesBehindTheOperation) {
+    StartBrowseForCookie();
+    m_operation.OnPageFinished(kFinal);
+    m_port.Answer(Cookies{});
+    m_operation.OnViewReplaced();
+    m_operation.OnCookiesChanged();
+    StartBrowseForCookie();
+    m_operation.OnPageFinished(kFinal);
+    m_port.Answer(Cookies{});
+    BrowseForCookie();
+    m_operation.OnCookiesChanged();
+    EXPECT_THAT(Asked(), ElementsAre("ask finalPage http://host/final",
+                                     "ask baseline http://host/final", "load http://host/page"));
+}
+
 TEST_F(PageOperationForCookie, EndsWithAnErrorAtItsFinalPageWithoutAStore) {
     m_port.ForbidQueries();
     m_operation.Begin(kPage, kFinal, {"sid", "err"});

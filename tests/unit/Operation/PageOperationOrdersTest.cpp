@@ -172,6 +172,8 @@ public:
             Check(query.uri == m_requests.back().uri, "a query for another page");
         } else if (query.purpose == CookieQuery::Purpose::finalPage) {
             Check(!m_isResultSent, "a final page's query behind the result");
+        } else if (query.purpose == CookieQuery::Purpose::finalPageAgain) {
+            Check(m_isAtFinalPage && query.uri == m_begun.finalUrl, "another page's query again");
         }
         m_queries.push_back({query, m_stretch, m_pageBefore, m_lastRequest});
     }
@@ -210,7 +212,7 @@ private:
     }
 
     void CloseOperation() {
-        m_isOpen = false;
+        m_isOpen = m_isAtFinalPage = false;
         ++m_stretch;
         m_operation.OnResult();
     }
@@ -277,7 +279,7 @@ private:
         ++m_number;
         ++m_stretch;
         m_ownLoad = m_loads = m_cancelled = 0;
-        m_isRepeated = m_hasStarted = m_hasAnswered = false;
+        m_isRepeated = m_hasStarted = m_hasAnswered = m_isAtFinalPage = false;
         m_baseline.reset();
         Expect("", [this] {
             if (m_begun.isReset) {
@@ -314,7 +316,7 @@ private:
                 break;
             case 3:
                 // A script, a picture, a page without TLS, or another host.
-                ChangeCookies();
+                Expect("", [this] { ChangeCookies(); });
                 break;
             default:
                 break;
@@ -362,6 +364,7 @@ private:
                 m_hasAnswered = isOwn && m_hasStarted;
                 m_hasStarted = m_hasStarted || isOwn;
                 m_processHasLoaded = true;
+                m_isAtFinalPage = false;
                 m_operation.OnLoadStarted();
                 break;
             case Step::leadOn:
@@ -430,6 +433,7 @@ private:
         for (std::size_t count = Draw(3); count > 0; --count) {
             m_cookies.push_back({kNames[Draw(5)], value, "host", "/", Draw(2) == 0});
         }
+        m_operation.OnCookiesChanged();
     }
 
     void TellResponse(Step step, bool isOwn) {
@@ -517,6 +521,7 @@ private:
         Expect(isFinal && !m_begun.isForCookie ? "success" : "",
                [this] { m_operation.OnPageFinished(m_viewUri); });
         Check(m_queries.size() == queries + (isQueryDue ? 1 : 0), "another query at the end");
+        m_isAtFinalPage = m_isAtFinalPage || (isQueryDue && m_isOpen);
     }
 
     /// A load of which nothing came is asked for again, once; if it was the operation's own.
@@ -589,8 +594,7 @@ private:
         } else if (query.purpose == CookieQuery::Purpose::request) {
             Release(request, answer);
         } else if (isCurrent && answer) {
-            expected = query.purpose == CookieQuery::Purpose::page ? ResultOfPage(*answer, before)
-                                                                   : ResultOfFinalPage(*answer);
+            expected = ResultOfAnswer(query.purpose, *answer, before);
         }
         Expect(expected, [&, query = query] { m_operation.OnCookies(query, answer); });
         Check(m_loads == loads + (isLoadDue ? 1 : 0), "another load behind the baseline");
@@ -623,7 +627,17 @@ private:
                 return result;
             }
         }
-        return cookies.empty() ? "" : "error_cookie";
+        return "";
+    }
+
+    [[nodiscard]] std::string ResultOfAnswer(CookieQuery::Purpose purpose, const Cookies& cookies,
+                                             const Cookies& before) const {
+        if (purpose == CookieQuery::Purpose::page) {
+            return ResultOfPage(cookies, before);
+        }
+        const std::string result = ResultOfFinalPage(cookies);
+        const bool isLastWord = purpose == CookieQuery::Purpose::finalPage && !cookies.empty();
+        return result.empty() && isLastWord ? "error_cookie" : result;
     }
 
     /// A cookie without a name decides nothing, nor does one that breaks its name's promise.
@@ -677,6 +691,7 @@ private:
     int m_loads = 0;
     int m_cancelled = 0;
     bool m_isRepeated = false;
+    bool m_isAtFinalPage = false;
     bool m_hasStarted = false;
     bool m_hasAnswered = false;
     bool m_processHasLoaded = false;

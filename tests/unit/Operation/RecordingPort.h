@@ -10,8 +10,8 @@
 #include "PageOperation.h"
 
 /// Stands where the window stands, and keeps what the operation asks of it: "load URL", "end
-/// process", "ask baseline URI", "ask page URI", "ask finalPage URI", "success",
-/// "success_with_cookie VALUE".
+/// process", "ask baseline URI", "ask page URI", "ask finalPage URI", "ask finalPageAgain URI",
+/// "success", "success_with_cookie VALUE".
 class RecordingPort final : public IPageOperationPort {
 public:
     using Cookies = std::vector<StoredCookie>;
@@ -41,7 +41,8 @@ public:
     }
     [[nodiscard]] bool CanQueryCookies() const override { return m_canQuery; }
     void QueryCookies(const CookieQuery& query) override {
-        static constexpr const char* kPurposes[] = {"baseline ", "request ", "page ", "finalPage "};
+        static constexpr const char* kPurposes[] = {"baseline ", "request ", "page ", "finalPage ",
+                                                    "finalPageAgain "};
         m_lines.push_back("ask " + std::string(kPurposes[static_cast<int>(query.purpose)]) +
                           query.uri);
         m_queries.push_back(query);

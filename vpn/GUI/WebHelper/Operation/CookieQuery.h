@@ -9,10 +9,11 @@
 /// A query to the cookie store. The answer comes with a copy of the query.
 struct CookieQuery {
     enum class Purpose {
-        baseline,   ///< every cookie, before the operation's load begins
-        request,    ///< every cookie, before a page is requested
-        page,       ///< the cookies of a page whose response has come
-        finalPage,  ///< the cookies of the final page, which has finished
+        baseline,        ///< every cookie, before the operation's load begins
+        request,         ///< every cookie, before a page is requested
+        page,            ///< the cookies of a page whose response has come
+        finalPage,       ///< the cookies of the final page, which has finished
+        finalPageAgain,  ///< the same, because the store has changed since
     };
     Purpose purpose;
     std::string uri;

@@ -16,6 +16,7 @@ void CPageOperation::Begin(const std::string& url, const std::string& finalUrl,
     m_finalUrl = finalUrl;
     m_wanted = std::move(wanted);
     m_cookieWatch.Begin();
+    m_finalPage.OnLeft();
     m_isOpen = true;
     m_load.Prepare(url);
     if (m_wanted.AreWanted() && m_port.CanQueryCookies()) {
@@ -27,11 +28,22 @@ void CPageOperation::Begin(const std::string& url, const std::string& finalUrl,
     }
 }
 
+void CPageOperation::OnViewReplaced() {
+    m_load.Forget();
+    m_finalPage.OnLeft();
+}
+
 void CPageOperation::OnResult() {
     ++m_number;
     m_cookieWatch.Begin();
+    m_finalPage.OnLeft();
     m_isOpen = false;
     m_load.OnResult();
+}
+
+void CPageOperation::OnLoadStarted() {
+    m_load.OnStarted();
+    m_finalPage.OnLeft();
 }
 
 void CPageOperation::OnPageCommitted(std::uint32_t status, const std::string& uri) {
@@ -49,6 +61,9 @@ void CPageOperation::OnPageFinished(const std::string& uri) {
     if (!m_wanted.AreWanted()) {
         end(BrowserResultType::success);
     } else if (m_port.CanQueryCookies()) {
+        if (m_isOpen) {
+            m_finalPage.OnArrived(uri);
+        }
         query(CookieQuery::Purpose::finalPage, uri);
     } else {
         end(BrowserResultType::error_cookie);
@@ -141,6 +156,10 @@ void CPageOperation::queryForPage(const std::vector<std::string>& requests) {
     }
 }
 
+void CPageOperation::OnCookiesChanged() {
+    queryAgain(m_finalPage.OnCookiesChanged());
+}
+
 void CPageOperation::OnCookies(const CookieQuery& query,
                                const std::optional<std::vector<StoredCookie>>& cookies) {
     const bool isCurrent = query.operation == m_number;
@@ -162,8 +181,15 @@ void CPageOperation::OnCookies(const CookieQuery& query,
             }
             break;
         case CookieQuery::Purpose::finalPage:
-            if (isCurrent && cookies) {
-                decideByFinalPage(*cookies);
+            if (isCurrent) {
+                decideByFinalPage(cookies.value_or(std::vector<StoredCookie>{}));
+                queryAgain(m_finalPage.OnAnswer());
+            }
+            break;
+        case CookieQuery::Purpose::finalPageAgain:
+            if (isCurrent) {
+                endWith(m_wanted.FindFirst(cookies.value_or(std::vector<StoredCookie>{})));
+                queryAgain(m_finalPage.OnAnswer());
             }
             break;
     }
@@ -193,6 +219,12 @@ void CPageOperation::OnWindowClosed() {
 
 void CPageOperation::query(CookieQuery::Purpose purpose, const std::string& uri) {
     m_port.QueryCookies({purpose, uri, m_number});
+}
+
+void CPageOperation::queryAgain(const std::optional<std::string>& uri) {
+    if (uri) {
+        query(CookieQuery::Purpose::finalPageAgain, *uri);
+    }
 }
 
 void CPageOperation::end(BrowserResultType result) {

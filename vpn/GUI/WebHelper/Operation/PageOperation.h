@@ -8,6 +8,7 @@
 #include "BrowserTypes.h"
 #include "CookieQuery.h"
 #include "CookieWatch.h"
+#include "FinalPageWatch.h"
 #include "OperationLoad.h"
 #include "StoredCookie.h"
 #include "WantedCookies.h"
@@ -38,8 +39,9 @@ struct PageFailure {
 /// An operation without a wanted cookie ends when the page at its final URL has finished. An
 /// operation with a wanted cookie ends when a page of the final URL's host brings that cookie or
 /// the error cookie, over https if the final URL has it. It also ends at the final page, depending
-/// on the cookies that the store has for that page. Both kinds end when the page cannot be loaded,
-/// when its process dies, when the time is over or when the person closes the window.
+/// on the cookies that the store has for that page then, or gets while the page stays. Both kinds
+/// end when the page cannot be loaded, when its process dies, when the time is over or when the
+/// person closes the window.
 ///
 /// Once the operation has begun, an event of the previous page decides nothing. Main thread only.
 class CPageOperation {
@@ -51,13 +53,13 @@ public:
     void Begin(const std::string& url, const std::string& finalUrl, CWantedCookies wanted);
 
     /// The web view was replaced by a new one. The old view's load gets no more events.
-    void OnViewReplaced() { m_load.Forget(); }
+    void OnViewReplaced();
 
     /// The current operation's result is being sent. From now on the operation requests nothing.
     void OnResult();
 
     // Events of the view's load. A view without a page has an empty URI.
-    void OnLoadStarted() { m_load.OnStarted(); }
+    void OnLoadStarted();
     void OnPageCommitted(std::uint32_t status, const std::string& uri);
     void OnPageFinished(const std::string& uri);
     /// Returns false if the load failed because another load replaced it: nobody handles such a
@@ -76,6 +78,8 @@ public:
     /// Whether OnResponse() must be called with every response.
     [[nodiscard]] bool WatchesResponses() const { return m_wanted.AreWanted(); }
     void OnResponse(const PageResponse& response);
+    /// The cookie store has changed.
+    void OnCookiesChanged();
     /// The answer to a query. No value means that the query failed.
     void OnCookies(const CookieQuery& query,
                    const std::optional<std::vector<StoredCookie>>& cookies);
@@ -85,6 +89,7 @@ public:
 
 private:
     void query(CookieQuery::Purpose purpose, const std::string& uri);
+    void queryAgain(const std::optional<std::string>& uri);
     [[nodiscard]] bool mayDecide(const std::string& uri) const;
     void judgeHeader(const PageResponse& response);
     void queryForPage(const std::vector<std::string>& requests);
@@ -97,6 +102,7 @@ private:
     CWantedCookies m_wanted;
     COperationLoad m_load;
     CCookieWatch m_cookieWatch;
+    CFinalPageWatch m_finalPage;
     // Generation counter: changes when an operation begins and when it ends. Answers of an older
     // generation are dropped.
     std::uint64_t m_number = 0;
