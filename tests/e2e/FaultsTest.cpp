@@ -213,8 +213,7 @@ TEST_F(Faults, WithoutASystemLogTheProgramWorks) {
     ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
     ExpectGoodPage();
     SendBytes(std::string(9, '\0'));
-    Send(R"({"operation":"reset"})");
-    EXPECT_EQ(NextResult(), "ready");
+    Reset();
     EXPECT_EQ(Terminate(), "exited with status 0");
     EXPECT_THAT(LogLines(), IsEmpty());
 }

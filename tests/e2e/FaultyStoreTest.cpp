@@ -57,8 +57,7 @@ protected:
         ExpectCookie("first");
         ExpectGoodPage();
         ExpectCookie("second");
-        Send(R"({"operation":"reset"})");
-        EXPECT_EQ(NextResult(), "ready");
+        Reset();
         ExpectCookie("third");
         EXPECT_EQ(Terminate(), "exited with status 0");
         EXPECT_THAT(LogLines(),

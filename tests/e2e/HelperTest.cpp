@@ -116,6 +116,11 @@ void HelperTest::BrowseTo(const std::string& path, const std::string& timeout) {
                         {"final_url", m_server.Url(path)}}));
 }
 
+void HelperTest::Reset() {
+    Send(R"({"operation":"reset"})");
+    EXPECT_EQ(NextResult(), "ready");
+}
+
 std::string HelperTest::NextResult() {
     CBrowserResult result;
     const ReceiveOutcome outcome = m_connection->ReceiveResult(result, DeadlineIn(kTestDeadline));

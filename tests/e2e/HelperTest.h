@@ -46,6 +46,9 @@ protected:
     /// Asks for a page of the web server, which is also the final one. The timeout is in seconds.
     void BrowseTo(const std::string& path, const std::string& timeout = "0");
 
+    /// Asks for a reset, and expects that the program is ready again.
+    void Reset();
+
     /// The next result as "success" or "success_with_cookie value"; "(closed)", "(timed out)" or
     /// "(garbled)" when there is none.
     [[nodiscard]] std::string NextResult();

@@ -117,6 +117,18 @@ TEST_F(Operations, ABadCertificateIsRefusedForAllItsReasonsInOrder) {
     EXPECT_THAT(secure.RequestLines(), IsEmpty());
 }
 
+TEST_F(Operations, AServerThatOnlySpeaksOldTlsIsRefused) {
+    TlsIdentity identity = TestCertificate("good");
+    identity.isOutdated = true;
+    const HttpServer outdated(identity);
+    Browse(outdated.Url("/"), outdated.Url("/"));
+    EXPECT_EQ(NextResult(), "error_unknown");
+    EXPECT_THAT(outdated.RequestLines(), IsEmpty());
+    EXPECT_THAT(FurtherLogLines(),
+                ElementsAre(testing::AllOf(testing::StartsWith("E Failed to load page: "),
+                                           testing::HasSubstr("protocol version"))));
+}
+
 TEST_F(Operations, ClosingTheWindowCancels) {
     const XWindow window = ShowWaitingPage();
     m_screen.Close(window);
@@ -136,8 +148,7 @@ TEST_F(Operations, AResultHidesTheWindow) {
 
 TEST_F(Operations, ResetSaysReadyAgainAndHidesTheWindow) {
     const XWindow window = ShowWaitingPage();
-    Send(R"({"operation":"reset"})");
-    EXPECT_EQ(NextResult(), "ready");
+    Reset();
     EXPECT_TRUE(AwaitHidden(window));
     m_server.ServePage("/page", "");
     Browse(m_server.Url("/page"), m_server.Url("/page"));
@@ -197,15 +208,13 @@ TEST_F(Operations, AnInvalidOneIsAnsweredByALogRecordAlone) {
         expected.insert(expected.end(), lines.begin(), lines.end());
         expected.emplace_back("W Notified of receiving invalid browser operation");
     }
-    Send(R"({"operation":"reset"})");
-    EXPECT_EQ(NextResult(), "ready");
+    Reset();
     EXPECT_EQ(FurtherLogLines(), expected);
 }
 
 TEST_F(Operations, AMalformedOneIsAnsweredByALogRecordAlone) {
     Send(R"({"operation":"browse")");
-    Send(R"({"operation":"reset"})");
-    EXPECT_EQ(NextResult(), "ready");
+    Reset();
     EXPECT_THAT(FurtherLogLines(),
                 ElementsAre(testing::StartsWith("E Caught deserialization exception - "),
                             "E Failed to deserialize browser operation message",

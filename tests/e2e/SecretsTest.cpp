@@ -137,7 +137,7 @@ TEST_F(Secrets, NoOtherProcessOfTheUserReadsTheProgram) {
     command.arguments = AsOrdinaryUser({HelperPath(), AgentPort()});
     std::string reason;
     ASSERT_TRUE(m_helper.Start(command, reason)) << reason;
-    auto connection = m_agent.Accept(DeadlineIn(kTestDeadline));
+    auto connection = m_agent.Accept(m_helper.Pid(), DeadlineIn(kTestDeadline));
     ASSERT_TRUE(connection.has_value());
     CBrowserResult ready;
     ASSERT_EQ(connection->ReceiveResult(ready, DeadlineIn(kTestDeadline)),

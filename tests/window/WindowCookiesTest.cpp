@@ -54,10 +54,20 @@ TEST_F(WindowCookiesTest, FindsACookieThatScriptsMayNotSee) {
 }
 
 TEST_F(WindowCookiesTest, FindsACookieThatAScriptSets) {
-    // On the final page itself the engine may still be on its way to store it when it is asked.
-    m_server.ServePage("/page", "<script>document.cookie = 'sid=abc'; location = '/end'</script>");
-    m_server.ServePage("/end", "hello");
-    BrowseForCookie("/page", "/end");
+    m_server.ServePage("/page", "<script>document.cookie = 'sid=abc'</script>");
+    BrowseForCookie("/page", "/page");
+    // The engine may still be on its way to store it when the page has finished.
+    ASSERT_TRUE(WaitForResults(1));
+    EXPECT_THAT(Results(), ElementsAre("success_with_cookie abc"));
+}
+
+TEST_F(WindowCookiesTest, FindsACookieThatAScriptFetchesBehindTheEndOfThePage) {
+    m_server.ServeOnRelease("/fetched", {200, "", "text/plain", {{"Set-Cookie", "sid=abc"}}});
+    m_server.ServePage("/page", "<script>onload = () => fetch('/fetched')</script>");
+    BrowseForCookie("/page", "/page");
+    EXPECT_THAT(Results(), IsEmpty());
+    m_server.Release("/fetched");
+    ASSERT_TRUE(WaitForResults(1));
     EXPECT_THAT(Results(), ElementsAre("success_with_cookie abc"));
 }
 

@@ -5,6 +5,7 @@
 
 #include <filesystem>
 
+#include "GObjectPtr.h"
 #include "WindowTest.h"
 
 namespace {
@@ -51,52 +52,78 @@ protected:
     }
 };
 
-/// Counts the downloads of a view that have come to their end.
-class EndedDownloads {
+/// Counts the downloads of a view that have started, and those that have come to their end.
+class Downloads {
 public:
-    explicit EndedDownloads(WebKitWebView* view) : m_context(webkit_web_view_get_context(view)) {
+    explicit Downloads(WebKitWebView* view) : m_context(webkit_web_view_get_context(view)) {
         g_signal_connect(m_context, "download-started", G_CALLBACK(onStarted), this);
     }
-    ~EndedDownloads() { g_signal_handlers_disconnect_by_data(m_context, this); }
-    EndedDownloads(const EndedDownloads&) = delete;
-    EndedDownloads& operator=(const EndedDownloads&) = delete;
+    ~Downloads() { g_signal_handlers_disconnect_by_data(m_context, this); }
+    Downloads(const Downloads&) = delete;
+    Downloads& operator=(const Downloads&) = delete;
 
-    [[nodiscard]] bool Wait() const {
-        return RunMainLoopUntil([&] { return m_count > 0; });
+    [[nodiscard]] int Started() const { return m_started; }
+    [[nodiscard]] bool WaitForEnd() const {
+        return RunMainLoopUntil([&] { return m_ended > 0; });
     }
 
 private:
     static void onStarted(WebKitWebContext* /*context*/, WebKitDownload* download,
-                          EndedDownloads* self) {
+                          Downloads* self) {
+        ++self->m_started;
         g_signal_connect_swapped(download, "finished", G_CALLBACK(onFinished), self);
     }
 
-    static void onFinished(EndedDownloads* self) { ++self->m_count; }
+    static void onFinished(Downloads* self) { ++self->m_ended; }
 
     WebKitWebContext* m_context;
-    int m_count = 0;
+    int m_started = 0;
+    int m_ended = 0;
 };
 
 }  // namespace
 
-TEST_F(WindowPageGuardTest, ADownloadNeverReachesTheDisk) {
-    const EndedDownloads downloads(View());
+TEST_F(WindowPageGuardTest, ALinkToADownloadIsALinkToItsPage) {
     m_server.Serve("/file", {200, "content", "text/plain"});
-    Browse("<a id=link download=file href=/file>x</a><script>onload = () => link.click()</script>");
-    ASSERT_TRUE(downloads.Wait());
+    m_server.ServePage(
+        "/page",
+        "<a id=link download=file href=/file>x</a><script>onload = () => link.click()</script>");
+    Send(Operation::Browse(Url("/page"), Url("/file")));
+    ASSERT_TRUE(WaitForResults(1));
+    EXPECT_THAT(Results(), ElementsAre("success"));
     EXPECT_FALSE(IsInHome("file"));
-    EXPECT_THAT(LogLines(), ElementsAre("W Refused a download, URI = " + Url("/file")));
 }
 
-TEST_F(WindowPageGuardTest, AnAttachmentNeverReachesTheDisk) {
-    const EndedDownloads downloads(View());
-    m_server.Serve("/file",
-                   {200, "content", "application/zip", {{"Content-Disposition", "attachment"}}});
+TEST_F(WindowPageGuardTest, AnAttachmentIsRefused) {
+    m_server.Serve("/file", {200, "page", "text/html", {{"Content-Disposition", "attachment"}}});
     Send(Operation::Browse(Url("/file"), Url("/file")));
-    ASSERT_TRUE(downloads.Wait());
-    EXPECT_FALSE(IsInHome("file"));
     ASSERT_TRUE(WaitForResults(1));
     EXPECT_THAT(Results(), ElementsAre("error_unknown"));
+    EXPECT_FALSE(IsInHome("file"));
+    EXPECT_THAT(LogLines(), ElementsAre("W Refused a download, URI = " + Url("/file"),
+                                        "E Failed to load page: Frame load interrupted, URI = " +
+                                            Url("/file")));
+}
+
+TEST_F(WindowPageGuardTest, AFileThatNoViewShowsIsRefused) {
+    const Downloads downloads(View());
+    m_server.Serve("/file", {200, "bytes", "application/octet-stream"});
+    Send(Operation::Browse(Url("/file"), Url("/file")));
+    ASSERT_TRUE(WaitForResults(1));
+    EXPECT_THAT(Results(), ElementsAre("error_unknown"));
+    EXPECT_EQ(downloads.Started(), 0);
+    EXPECT_THAT(LogLines(), ElementsAre("E Failed to load page: Frame load interrupted, URI = " +
+                                        Url("/file")));
+}
+
+TEST_F(WindowPageGuardTest, ADownloadThatStartsNeverReachesTheDisk) {
+    const Downloads downloads(View());
+    m_server.Serve("/file", {200, "content", "text/plain"});
+    const GObjectPtr<WebKitDownload> download(
+        webkit_web_view_download_uri(View(), Url("/file").c_str()));
+    ASSERT_TRUE(downloads.WaitForEnd());
+    EXPECT_FALSE(IsInHome("file"));
+    EXPECT_THAT(LogLines(), ElementsAre("W Refused a download, URI = " + Url("/file")));
 }
 
 TEST_F(WindowPageGuardTest, DeniesThePlaceOfTheMachine) {
@@ -121,6 +148,13 @@ TEST_F(WindowPageGuardTest, GivesNoCameraAndNoMicrophone) {
         "() => fetch('/given'), () => fetch('/refused?' + kind))</script>");
     ASSERT_TRUE(WaitForRequest("/refused", 2));
     EXPECT_EQ(m_server.CountRequests("/given"), 0U);
+}
+
+TEST_F(WindowPageGuardTest, GivesNoFullScreen) {
+    BrowseShown(
+        "<script>fetch(document.fullscreenEnabled || document.webkitFullscreenEnabled || "
+        "document.body?.requestFullscreen ? '/given' : '/refused')</script>");
+    ASSERT_TRUE(WaitForRequest("/refused"));
 }
 
 TEST_F(WindowPageGuardTest, PrintsNothingAndGoesOn) {

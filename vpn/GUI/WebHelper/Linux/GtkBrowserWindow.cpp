@@ -24,9 +24,12 @@
 #include "MsgCatalog.h"
 #include "PageGuard.h"
 #include "PageOperation.h"
+#include "PageSettings.h"
+#include "ResponseHeader.h"
 #include "Sandbox.h"
 #include "TlsErrorText.h"
 #include "UserAgent.h"
+#include "WebsiteData.h"
 
 namespace {
 
@@ -106,13 +109,6 @@ bool IsCancelledByEngine(const GError* error, const char* uri) {
            g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED) != FALSE;
 }
 
-std::optional<std::string> SetCookieOf(WebKitURIResponse* response) {
-    SoupMessageHeaders* const headers = webkit_uri_response_get_http_headers(response);
-    const char* const header =
-        headers != nullptr ? soup_message_headers_get_one(headers, "Set-Cookie") : nullptr;
-    return header != nullptr ? std::make_optional<std::string>(header) : std::nullopt;
-}
-
 }  // namespace
 
 struct GtkBrowserWindow::QueuedOperation {
@@ -144,6 +140,7 @@ struct GtkBrowserWindow::MainThreadParts {
     GObjectPtr<GtkWidget> window;
     GObjectPtr<WebKitWebView> webView;
     GObjectPtr<WebKitWebContext> webContext;
+    WebKitCookieManager* cookieManager = nullptr;
     std::optional<CCookieStore> cookieStore;
     GObjectPtr<GtkAccelGroup> acceleratorGroup;
     std::unique_ptr<CPageGuard> pageGuard;
@@ -151,10 +148,18 @@ struct GtkBrowserWindow::MainThreadParts {
     CPageOperation operation;
     guint timeoutSource = 0;
     guint loadStoppedSource = 0;
+    std::optional<CWebsiteDataRemoval> dataRemoval;
+    // Asked for while the data of the view before was being removed.
+    std::optional<std::string> loadAfterRemoval;
 };
 
 void GtkBrowserWindow::OperationPort::Load(const std::string& url) {
-    webkit_web_view_load_uri(m_window.m_parts->webView.get(), url.c_str());
+    MainThreadParts& parts = *m_window.m_parts;
+    if (parts.dataRemoval->IsGoingOn()) {
+        parts.loadAfterRemoval = url;
+    } else {
+        webkit_web_view_load_uri(parts.webView.get(), url.c_str());
+    }
 }
 
 void GtkBrowserWindow::OperationPort::EndProcess() {
@@ -251,6 +256,10 @@ struct GtkBrowserWindow::Callbacks {
         OperationOf(self).OnProcessEnded();
     }
 
+    static void cookiesChangedCB(WebKitCookieManager* /*manager*/, GtkBrowserWindow* self) {
+        OperationOf(self).OnCookiesChanged();
+    }
+
     static void onResourceLoadStarted(WebKitWebView* /*webView*/, WebKitWebResource* resource,
                                       WebKitURIRequest* request, GtkBrowserWindow* self) {
         if (OperationOf(self).WatchesResponses()) {
@@ -273,7 +282,8 @@ struct GtkBrowserWindow::Callbacks {
         if (response != nullptr) {
             OperationOf(self).OnResponse({webkit_uri_response_get_status_code(response),
                                           TextOf(webkit_uri_response_get_mime_type(response)),
-                                          RequestsOf(resource), SetCookieOf(response)});
+                                          RequestsOf(resource),
+                                          ResponseHeader(response, "Set-Cookie")});
         }
     }
 
@@ -340,6 +350,7 @@ GtkBrowserWindow::~GtkBrowserWindow() {
     RemoveSource(m_parts->loadStoppedSource);
     g_signal_handlers_disconnect_by_data(m_parts->webView.get(), this);
     g_signal_handlers_disconnect_by_data(m_parts->window.get(), this);
+    g_signal_handlers_disconnect_by_data(m_parts->cookieManager, this);
 }
 
 void GtkBrowserWindow::init(GtkApplication* application) {
@@ -352,7 +363,7 @@ void GtkBrowserWindow::init(GtkApplication* application) {
     gtk_window_add_accel_group(window, m_parts->acceleratorGroup.get());
     ConnectAccelerators(m_parts->acceleratorGroup.get());
     g_signal_connect(window, "delete-event", G_CALLBACK(Callbacks::onDeleteEvent), this);
-    m_parts->webContext.reset(webkit_web_context_new());
+    m_parts->webContext.reset(NewWebContext());
     // Newer engines choose their processes themselves and deprecate this call. Older engines obey
     // it.
     G_GNUC_BEGIN_IGNORE_DEPRECATIONS
@@ -360,11 +371,24 @@ void GtkBrowserWindow::init(GtkApplication* application) {
                                          WEBKIT_PROCESS_MODEL_SHARED_SECONDARY_PROCESS);
     G_GNUC_END_IGNORE_DEPRECATIONS
     ConfineWebProcesses(m_parts->webContext.get());
+    // Only the server itself may answer: what a cache answers says nothing about a session of now.
+    webkit_web_context_set_cache_model(m_parts->webContext.get(),
+                                       WEBKIT_CACHE_MODEL_DOCUMENT_VIEWER);
     RefuseDownloads(m_parts->webContext.get());
     WebKitCookieManager* const manager =
         webkit_web_context_get_cookie_manager(m_parts->webContext.get());
+    m_parts->cookieManager = manager;
+    g_signal_connect(manager, "changed", G_CALLBACK(Callbacks::cookiesChangedCB), this);
     m_parts->cookieStore.emplace(manager);
+    m_parts->dataRemoval.emplace(m_parts->webContext.get(), [this] { loadWhatWaited(); });
     KeepCookiesInHome(manager);
+}
+
+void GtkBrowserWindow::loadWhatWaited() {
+    if (m_parts->loadAfterRemoval) {
+        const std::string url = *std::exchange(m_parts->loadAfterRemoval, std::nullopt);
+        webkit_web_view_load_uri(m_parts->webView.get(), url.c_str());
+    }
 }
 
 void GtkBrowserWindow::initWebView() {
@@ -377,11 +401,7 @@ void GtkBrowserWindow::initWebView() {
     gtk_container_add(GTK_CONTAINER(window), widget);
     gtk_window_set_position(window, GTK_WIN_POS_CENTER);
     gtk_window_resize(window, kWindowWidth, kWindowHeight);
-    WebKitSettings* const settings = webkit_web_view_get_settings(m_parts->webView.get());
-    g_object_set(settings, "enable-plugins", FALSE, "enable-java", FALSE, nullptr);
-    // A sign-in page needs no graphics processor, and a broken driver would leave it blank.
-    webkit_settings_set_hardware_acceleration_policy(settings,
-                                                     WEBKIT_HARDWARE_ACCELERATION_POLICY_NEVER);
+    RestrictPages(webkit_web_view_get_settings(m_parts->webView.get()));
 }
 
 void GtkBrowserWindow::connectWebViewSignals() {
@@ -411,6 +431,7 @@ void GtkBrowserWindow::removeWebView() {
     RemoveSource(m_parts->loadStoppedSource);
     m_parts->pageGuard.reset();
     m_parts->operation.OnViewReplaced();
+    m_parts->loadAfterRemoval.reset();
     gtk_container_remove(GTK_CONTAINER(m_parts->window.get()), GTK_WIDGET(m_parts->webView.get()));
     m_parts->webView.reset();
 }
@@ -495,6 +516,7 @@ void GtkBrowserWindow::ResetBrowser() {
     assert(IsMainThread());
     removeWebView();
     m_resultSent = false;
+    m_parts->dataRemoval->Start();
     initWebView();
     CBrowserResult ready(BrowserResultType::ready, "");
     SendResult(ready, false);

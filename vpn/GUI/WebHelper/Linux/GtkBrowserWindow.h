@@ -57,6 +57,7 @@ private:
 
     void init(GtkApplication* application);
     void initWebView();
+    void loadWhatWaited();
     void connectWebViewSignals();
     void removeWebView();
     void updateUserAgent(const std::string& userAgent);

@@ -15,6 +15,7 @@
 #include "InstanceSmartPtr.h"
 #include "ProcessSetup.h"
 #include "Sandbox.h"
+#include "SessionFolder.h"
 #include "StoragePath.h"
 
 namespace {
@@ -40,7 +41,9 @@ bool CreateController(GApplication* application, std::uint16_t port) {
     // One controller for the whole process, deleted at its end. On purpose a second command line is
     // refused: it finds a controller, and ok stays false.
     bool ok = false;
-    // Created first, so that it is destroyed after the controller.
+    // Created in this order, and destroyed the other way round: the engine's processes end after
+    // the controller and its window, and only then is the folder removed that they write into.
+    (void)CSessionFolder::Instance();
     static const CEngineProcessesEnd engineProcessesEnd;
     static const std::unique_ptr<GtkBrowserController> controller =
         std::make_unique<GtkBrowserController>(GTK_APPLICATION(application), port, ok);
@@ -109,6 +112,7 @@ int RunApplication(int argc, char** argv) {
 int main(int argc, char** argv) {
     KeepOthersOut();
     KeepSecretsPrivate();
+    SecureEnvironment();
     DoWithoutGraphicsDriver();
     DoWithoutPortal();
     BeginSandboxProbe();

@@ -3,7 +3,9 @@
 #include <cassert>
 
 #include "AppLog.h"
+#include "ContentDisposition.h"
 #include "MainThread.h"
+#include "ResponseHeader.h"
 
 namespace {
 
@@ -28,9 +30,12 @@ void Dismiss(WebKitScriptDialog* dialog) {
     }
 }
 
+void LogRefusedDownload(const char* uri) {
+    TK_LOG_WARNING("Refused a download, URI = %s", uri);
+}
+
 void onDownloadStarted(WebKitWebContext* /*context*/, WebKitDownload* download) {
-    TK_LOG_WARNING("Refused a download, URI = %s",
-                   webkit_uri_request_get_uri(webkit_download_get_request(download)));
+    LogRefusedDownload(webkit_uri_request_get_uri(webkit_download_get_request(download)));
     webkit_download_cancel(download);
 }
 
@@ -40,6 +45,7 @@ CPageGuard::CPageGuard(WebKitWebView* webView) : m_webView(webView) {
     assert(IsMainThread());
     g_signal_connect(m_webView, "permission-request", G_CALLBACK(onPermissionRequest), this);
     g_signal_connect(m_webView, "print", G_CALLBACK(onPrint), this);
+    g_signal_connect(m_webView, "decide-policy", G_CALLBACK(onDecidePolicy), nullptr);
     g_signal_connect(m_webView, "authenticate", G_CALLBACK(onAuthenticate), this);
     g_signal_connect(m_webView, "script-dialog", G_CALLBACK(onScriptDialog), this);
     g_signal_connect(m_webView, "load-changed", G_CALLBACK(onLoadChanged), this);
@@ -62,6 +68,25 @@ gboolean CPageGuard::onPermissionRequest(WebKitWebView* /*webView*/,
 // TRUE prevents the engine's print dialog. While that is open, nothing else runs until a person has
 // answered it.
 gboolean CPageGuard::onPrint() {
+    return TRUE;
+}
+
+// Some names of files make the older HTTP library free memory that it does not own, in this process
+// too. So a file is refused before anybody asks for its name: when its download has started, it is
+// too late.
+gboolean CPageGuard::onDecidePolicy(WebKitWebView* /*webView*/, WebKitPolicyDecision* decision,
+                                    WebKitPolicyDecisionType type) {
+    if (type != WEBKIT_POLICY_DECISION_TYPE_RESPONSE) {
+        return FALSE;
+    }
+    WebKitURIResponse* const response =
+        webkit_response_policy_decision_get_response(WEBKIT_RESPONSE_POLICY_DECISION(decision));
+    const auto disposition = ResponseHeader(response, "Content-Disposition");
+    if (!disposition || IsInline(*disposition)) {
+        return FALSE;
+    }
+    LogRefusedDownload(webkit_uri_response_get_uri(response));
+    webkit_policy_decision_ignore(decision);
     return TRUE;
 }
 

@@ -4,10 +4,10 @@
 
 #include <memory>
 
-/// Guards the pages of one web view. Denies permissions and printing. Dialogs and password requests
-/// that nobody can see, and "leave page?" prompts, are answered automatically, because an open
-/// dialog blocks the page. A page that never stops opening dialogs loses its process. Main thread
-/// only.
+/// Guards the pages of one web view. Denies permissions, printing and files to save. Dialogs and
+/// password requests that nobody can see, and "leave page?" prompts, are answered automatically,
+/// because an open dialog blocks the page. A page that never stops opening dialogs loses its
+/// process. Main thread only.
 class CPageGuard {
 public:
     /// The view is not owned and must outlive the guard.
@@ -26,6 +26,8 @@ private:
 
     static gboolean onPermissionRequest(WebKitWebView* webView, WebKitPermissionRequest* request);
     static gboolean onPrint();
+    static gboolean onDecidePolicy(WebKitWebView* webView, WebKitPolicyDecision* decision,
+                                   WebKitPolicyDecisionType type);
     static gboolean onAuthenticate(WebKitWebView* webView, WebKitAuthenticationRequest* request);
     static gboolean onScriptDialog(WebKitWebView* webView, WebKitScriptDialog* dialog,
                                    CPageGuard* self);
@@ -39,5 +41,6 @@ private:
     int m_answeredDialogs = 0;
 };
 
-/// Cancels every download of the context before it reaches the disk. Main thread only.
+/// Cancels every download of the context that starts nevertheless, before it reaches the disk. Main
+/// thread only.
 void RefuseDownloads(WebKitWebContext* context);
