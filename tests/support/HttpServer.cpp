@@ -24,6 +24,11 @@ std::shared_ptr<SSL_CTX> MakeContext(const TlsIdentity& identity) {
         SSL_CTX_use_PrivateKey_file(context.get(), identity.key.c_str(), SSL_FILETYPE_PEM) != 1) {
         throw std::runtime_error("cannot use certificate " + identity.certificate);
     }
+    if (identity.isOutdated) {
+        SSL_CTX_set_max_proto_version(context.get(), TLS1_1_VERSION);
+        // The library's own level has no cipher left for such a version.
+        SSL_CTX_set_cipher_list(context.get(), "DEFAULT:@SECLEVEL=0");
+    }
     return context;
 }
 

@@ -89,6 +89,14 @@ void DoWithoutPortal() {
     setenv("GIO_USE_POWER_PROFILE_MONITOR", "dbus", 0);
 }
 
+void SecureEnvironment() {
+    for (const char* const name :
+         {"SSLKEYLOGFILE", "WEBKIT_INSPECTOR_HTTP_SERVER", "WEBKIT_INSPECTOR_SERVER"}) {
+        unsetenv(name);
+    }
+    setenv("G_TLS_GNUTLS_PRIORITY", "NORMAL:%COMPAT:-VERS-TLS1.0:-VERS-TLS1.1", 0);
+}
+
 void LogWhatEndsTheProgram() {
     g_log_set_writer_func(writeMessageCB, nullptr, nullptr);
 }

@@ -22,6 +22,12 @@ void DoWithoutGraphicsDriver();
 /// the page waiting for half a minute. Must be called first of all, while there is one thread.
 void DoWithoutPortal();
 
+/// Keeps out of this process and of the engine's processes what the environment could ask of them
+/// against the person's interest: to offer the page to other users for inspection, to write TLS
+/// keys to a file, and, unless the environment says what to speak, TLS before 1.2. Must be called
+/// first of all, while there is one thread.
+void SecureEnvironment();
+
 /// Logs the messages with which the toolkit or the engine ends the program, which otherwise go to
 /// the error stream alone. Called once, before the application runs.
 void LogWhatEndsTheProgram();
