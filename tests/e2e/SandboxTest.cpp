@@ -153,3 +153,22 @@ TEST_F(KilledProgram, LeavesNoStoppedPageNorItsSandbox) {
     EXPECT_EQ(kill(std::stoi(WebProcess()), SIGSTOP), 0);
     ExpectNothingAfterDeath(processes);
 }
+
+TEST_F(KilledProgram, LeavesNoStoppedNetworkProcess) {
+    ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
+    LoadPage();
+    const std::set<pid_t> processes = Descendants(m_helper.Pid());
+    const std::set<pid_t> networks = DescendantsRunning(m_helper.Pid(), "WebKitNetworkProcess");
+    ASSERT_THAT(networks, testing::SizeIs(1));
+    EXPECT_EQ(kill(*networks.begin(), SIGSTOP), 0);
+    ExpectNothingAfterDeath(processes);
+}
+
+TEST_F(KilledProgram, LeavesNoStoppedPageWithoutASandbox) {
+    ASSERT_NO_FATAL_FAILURE(
+        LaunchAndAwaitReady({{"WEBKIT_DISABLE_SANDBOX_THIS_IS_DANGEROUS", "1"}}));
+    LoadPage();
+    const std::set<pid_t> processes = Descendants(m_helper.Pid());
+    EXPECT_EQ(kill(std::stoi(WebProcess()), SIGSTOP), 0);
+    ExpectNothingAfterDeath(processes);
+}

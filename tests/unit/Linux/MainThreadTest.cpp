@@ -4,7 +4,7 @@
 
 #include <thread>
 
-#include "EngineProcessesEnd.h"
+#include "SessionFolder.h"
 
 TEST(MainThread, IsTheOneThatRunsTheProgram) {
     EXPECT_TRUE(IsMainThread());
@@ -14,5 +14,5 @@ TEST(MainThread, IsTheOneThatRunsTheProgram) {
 }
 
 TEST(MainThreadDeathTest, IsAssertedByItsClassesInDebugBuilds) {
-    EXPECT_DEBUG_DEATH(std::thread([] { const CEngineProcessesEnd end; }).join(), "IsMainThread");
+    EXPECT_DEBUG_DEATH(std::thread([] { const CSessionFolder folder; }).join(), "IsMainThread");
 }

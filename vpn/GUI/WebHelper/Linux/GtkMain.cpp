@@ -8,7 +8,6 @@
 
 #include "AppLog.h"
 #include "BuiltInMessages.h"
-#include "EngineProcessesEnd.h"
 #include "GObjectPtr.h"
 #include "GtkBrowserController.h"
 #include "InstallRoot.h"
@@ -41,10 +40,8 @@ bool CreateController(GApplication* application, std::uint16_t port) {
     // One controller for the whole process, deleted at its end. On purpose a second command line is
     // refused: it finds a controller, and ok stays false.
     bool ok = false;
-    // Created in this order, and destroyed the other way round: the engine's processes end after
-    // the controller and its window, and only then is the folder removed that they write into.
+    // Created before the controller, and so removed after it: its pages write into this folder.
     (void)CSessionFolder::Instance();
-    static const CEngineProcessesEnd engineProcessesEnd;
     static const std::unique_ptr<GtkBrowserController> controller =
         std::make_unique<GtkBrowserController>(GTK_APPLICATION(application), port, ok);
     return ok;
