@@ -37,9 +37,10 @@ bool EndsWith(std::string_view text, std::string_view end) {
     return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
 }
 
-// The program that replaces itself by the engine's, and keeps the process's id.
+// The program that replaces itself by the engine's, and keeps the process's id. A program that
+// cannot be started is left to GLib, which tells the engine so.
 GStringArrayPtr WithSignalAtEnd(const char* signal, Arguments arguments) {
-    if (access(kSignalAtEnd, X_OK) != 0) {
+    if (access(kSignalAtEnd, X_OK) != 0 || access(arguments[0], X_OK) != 0) {
         return Join({}, arguments);
     }
     return Join({kSignalAtEnd, "--pdeathsig", signal, "--"}, arguments);

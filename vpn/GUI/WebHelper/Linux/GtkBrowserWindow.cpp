@@ -381,7 +381,9 @@ void GtkBrowserWindow::init(GtkApplication* application) {
     g_signal_connect(manager, "changed", G_CALLBACK(Callbacks::cookiesChangedCB), this);
     m_parts->cookieStore.emplace(manager);
     m_parts->dataRemoval.emplace(m_parts->webContext.get(), [this] { loadWhatWaited(); });
-    KeepCookiesInHome(manager);
+    if (webkit_web_context_is_ephemeral(m_parts->webContext.get()) == FALSE) {
+        KeepCookiesInHome(manager);
+    }
 }
 
 void GtkBrowserWindow::loadWhatWaited() {

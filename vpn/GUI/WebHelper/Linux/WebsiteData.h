@@ -8,8 +8,9 @@
 
 /// A web context whose pages store what they store in this process's session folder. Only which
 /// hosts want a secure connection is kept for later processes; cookies are the cookie manager's
-/// business. Removes what earlier versions left in the user's folders. The caller owns the context.
-/// Main thread only.
+/// business. Without a session folder the context is ephemeral: it keeps everything in memory,
+/// cookies too. Removes what earlier versions left in the user's folders. The caller owns the
+/// context. Main thread only.
 [[nodiscard]] WebKitWebContext* NewWebContext();
 
 /// Forgets what the pages of one context have stored, but for the cookies and for which hosts want
