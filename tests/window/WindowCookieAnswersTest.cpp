@@ -54,8 +54,10 @@ protected:
     void WaitForQuery() {
         const std::size_t before = queries.size();
         ASSERT_TRUE(RunMainLoopUntil([&] { return queries.size() == before + 2; }));
-        Answer({}, before);
-        queries.erase(queries.begin() + static_cast<std::ptrdiff_t>(before));
+        const auto queryOfPage = queries.end() - 2;
+        answerCookies.clear();
+        CallBack(*queryOfPage);
+        queries.erase(queryOfPage);
     }
 
     // Carries a cookie operation out up to the request of its second page, which waits for the
@@ -76,27 +78,25 @@ protected:
     }
 
     static void ReleaseRequest(std::size_t index = 0) {
-        const Query query = heldQueries.at(index);
         answerCookies.clear();
-        query.callback(G_OBJECT(query.manager), nullptr, query.data);
+        CallBack(heldQueries.at(index));
     }
 
     static void Answer(const Cookies& cookies, std::size_t query = 0) {
         answerCookies = cookies;
         answerError.reset();
-        CallBack(query);
+        CallBack(queries.at(query));
     }
 
     static void AnswerWithError(const std::string& message) {
         answerCookies.clear();
         answerError = message;
-        CallBack(0);
+        CallBack(queries.front());
         answerError.reset();
     }
 
 private:
-    static void CallBack(std::size_t index) {
-        const Query query = queries.at(index);
+    static void CallBack(const Query& query) {
         query.callback(G_OBJECT(query.manager), nullptr, query.data);
     }
 };

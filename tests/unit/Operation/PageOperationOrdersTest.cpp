@@ -263,7 +263,7 @@ private:
         m_results = 0;
     }
 
-    const std::string& DrawUrl() { return Draw(4) == 0 ? kElsewhere : kUrls[Draw(3)]; }
+    std::string DrawUrl() { return Draw(4) == 0 ? kElsewhere : kUrls[Draw(3)]; }
 
     void DropCourse() {
         m_course.clear();
