@@ -88,6 +88,14 @@ protected:
         CallBack(queries.at(query));
     }
 
+    // Awaits the only query and answers it. The store is empty again for the next operation.
+    void AnswerNext(const Cookies& cookies) {
+        ASSERT_TRUE(RunMainLoopUntil([] { return queries.size() == 1; }));
+        Answer(cookies);
+        queries.clear();
+        answerCookies.clear();
+    }
+
     static void AnswerWithError(const std::string& message) {
         answerCookies.clear();
         answerError = message;
@@ -289,6 +297,36 @@ TEST_F(WindowCookieAnswersTest, AQuickAgentGetsOneResultOfOneWalk) {
     ASSERT_TRUE(m_loads.WaitFor("FINISHED " + Url("/next")));
     EXPECT_THAT(Results(), ElementsAre("success_with_cookie abc", "success"));
     EXPECT_THAT(LogLines(), IsEmpty());
+}
+
+TEST_F(WindowCookieAnswersTest, APageThatHasBroughtItsCookieEndsNoQueuedOperation) {
+    m_server.ServePage("/next", "hello");
+    const std::pair<Operation, std::string> nextOnes[] = {
+        {Operation::Browse(Url("/next"), Url("/next")), "success"},
+        {Operation::BrowseForCookie(Url("/next"), Url("/next"), "sid"), "success_with_cookie own"},
+        {Operation::OfType(BrowserOperationType::reset), "ready"}};
+    std::vector<std::string> expected;
+    for (int round = 0; round < 10; ++round) {
+        for (const auto& [next, result] : nextOnes) {
+            const std::string path = "/page" + std::to_string(expected.size());
+            m_server.ServeHalfUntilRelease(path, {200, std::string(8000, ' ')});
+            Send(Operation::BrowseForCookie(Url(path), Url(path), "sid"));
+            AnswerNext({{"sid", "abc"}});
+            expected.push_back("success_with_cookie abc");
+            Send(next);
+            // The page's own end cannot be made to fall between the queuing and the start of the
+            // next operation, which are microseconds apart, so it is emitted.
+            g_signal_emit_by_name(View(), "load-changed", WEBKIT_LOAD_FINISHED);
+            EXPECT_THAT(queries, IsEmpty());
+            m_server.Release(path);
+            if (result == "success_with_cookie own") {
+                AnswerNext({{"sid", "own"}});
+            }
+            expected.push_back(result);
+            ASSERT_TRUE(WaitForResults(expected.size()));
+            EXPECT_EQ(Results(), expected);
+        }
+    }
 }
 
 TEST_F(WindowCookieAnswersTest, AsksNothingAtTheEndWhenAHeaderHasBroughtTheCookie) {

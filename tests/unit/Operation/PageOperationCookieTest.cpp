@@ -325,6 +325,42 @@ TEST_F(PageOperationForCookie, ForgetsTheRequestsOfTheOperationBefore) {
     EXPECT_THAT(Asked(), IsEmpty());
 }
 
+TEST_F(PageOperationForCookie, TakesNothingMoreOfAPageThatHasBroughtItsCookie) {
+    StartBrowseForCookie();
+    m_operation.OnResponse(PageWithHeader("sid=abc; Path=/"));
+    m_port.QueueOperation();
+    m_operation.OnResponse(PageWithHeader("sid=abc; Path=/"));
+    m_operation.OnPageCommitted(404, kFinal);
+    m_operation.OnPageFinished(kFinal);
+    m_operation.OnAddressChanged(kFinal);
+    EXPECT_TRUE(Fail(4));
+    m_operation.OnCertificateRefused("a reason");
+    m_operation.OnLoadStopped();
+    m_operation.OnProcessEnded();
+    EXPECT_THAT(Asked(), ElementsAre("success_with_cookie abc"));
+}
+
+TEST_F(PageOperationForCookie, TakesTheNextPageBehindOneThatHasBroughtItsCookie) {
+    StartBrowseForCookie();
+    Visit();
+    m_port.Answer({{Cookie("sid", "abc")}});
+    m_port.QueueOperation();
+    m_operation.OnPageFinished(kFinal);
+    m_operation.OnLoadStarted();
+    m_operation.OnPageCommitted(404, kFinal);
+    EXPECT_THAT(Asked(),
+                ElementsAre("ask page http://host/page", "success_with_cookie abc", "error_navi"));
+}
+
+TEST_F(PageOperationForCookie, IsNotUsedUpByACookieThatComesBehindItsResult) {
+    StartBrowseForCookie();
+    m_operation.OnTimeout();
+    m_operation.OnResponse(PageWithHeader("sid=abc; Path=/"));
+    m_port.QueueOperation();
+    m_operation.OnPageCommitted(404, kFinal);
+    EXPECT_THAT(Asked(), ElementsAre("error_timeout", "error_navi"));
+}
+
 // The final page.
 
 TEST_F(PageOperationForCookie, AsksTheStoreAtItsFinalPage) {
@@ -416,6 +452,37 @@ TEST_F(PageOperationForCookie, AsksNothingWhenTheStoreChangesBehindTheOperation)
     m_operation.OnCookiesChanged();
     EXPECT_THAT(Asked(), ElementsAre("ask finalPage http://host/final",
                                      "ask baseline http://host/final", "load http://host/page"));
+}
+
+TEST_F(PageOperationForCookie, AsksTheStoreWhenAFinishedPageTakesItsFinalAddress) {
+    StartBrowseForCookie();
+    m_operation.OnPageFinished(kPage);
+    m_operation.OnAddressChanged(kFinal);
+    m_port.Answer({{Cookie("other", "1")}});
+    m_operation.OnCookiesChanged();
+    m_port.Answer({{Cookie("other", "1"), Cookie("sid", "abc")}});
+    EXPECT_THAT(Asked(),
+                ElementsAre("ask finalPageAgain http://host/final",
+                            "ask finalPageAgain http://host/final", "success_with_cookie abc"));
+    EXPECT_THAT(m_log.Lines(), IsEmpty());
+}
+
+TEST_F(PageOperationForCookie, AsksNothingMoreWhenThePageLeavesItsFinalAddress) {
+    StartBrowseForCookie();
+    m_operation.OnPageFinished(kFinal);
+    m_port.Answer(Cookies{});
+    m_operation.OnAddressChanged(kPage);
+    m_operation.OnCookiesChanged();
+    EXPECT_THAT(Asked(), ElementsAre("ask finalPage http://host/final"));
+}
+
+TEST_F(PageOperationForCookie, WaitsForItsWindowAtAnArrivalWithoutAStore) {
+    m_port.ForbidQueries();
+    m_operation.Begin(kPage, kFinal, {"sid", "err"});
+    m_operation.OnLoadStarted();
+    m_operation.OnPageFinished(kPage);
+    m_operation.OnAddressChanged(kFinal);
+    EXPECT_THAT(Asked(), ElementsAre("load http://host/page"));
 }
 
 TEST_F(PageOperationForCookie, EndsWithAnErrorAtItsFinalPageWithoutAStore) {

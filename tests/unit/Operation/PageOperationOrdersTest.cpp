@@ -46,6 +46,7 @@ enum class Step : std::uint8_t {
     commit,
     commitError,
     finish,
+    arrive,
     leadOn,
     failReplaced,
     failAtPolicy,
@@ -79,6 +80,10 @@ const std::vector<Course> kCourses{
      Step::finish},
     {Step::request, Step::start, Step::page, Step::commit, Step::leadOn, Step::request, Step::start,
      Step::cookie, Step::page, Step::commit, Step::finish},
+    {Step::request, Step::start, Step::page, Step::commit, Step::finish, Step::arrive, Step::cookie,
+     Step::arrive},
+    {Step::request, Step::start, Step::cookie, Step::page, Step::commit, Step::finish, Step::arrive,
+     Step::leadOn, Step::request, Step::start, Step::page, Step::commit, Step::finish},
     {Step::request, Step::start, Step::errorPage, Step::commitError, Step::finish},
     {Step::request, Step::start, Step::page, Step::commit},
     {Step::request, Step::start},
@@ -174,6 +179,7 @@ public:
             Check(!m_isResultSent, "a final page's query behind the result");
         } else if (query.purpose == CookieQuery::Purpose::finalPageAgain) {
             Check(m_isAtFinalPage && query.uri == m_begun.finalUrl, "another page's query again");
+            Check(!m_isUsedUp, "a query for a page that has brought its cookie");
         }
         m_queries.push_back({query, m_stretch, m_pageBefore, m_lastRequest});
     }
@@ -279,7 +285,7 @@ private:
         ++m_number;
         ++m_stretch;
         m_ownLoad = m_loads = m_cancelled = 0;
-        m_isRepeated = m_hasStarted = m_hasAnswered = m_isAtFinalPage = false;
+        m_isRepeated = m_hasStarted = m_hasAnswered = m_isAtFinalPage = m_isUsedUp = false;
         m_baseline.reset();
         Expect("", [this] {
             if (m_begun.isReset) {
@@ -296,7 +302,7 @@ private:
     void ReplaceView() {
         DropCourse();
         m_viewUri.clear();
-        m_processHasLoaded = false;
+        m_processHasLoaded = m_isUsedUp = false;
         m_operation.OnViewReplaced();
         CloseOperation();
         m_isResultSent = false;
@@ -338,6 +344,7 @@ private:
         const auto [step, load] = m_course.front();
         m_course.pop_front();
         const bool isOwn = load == m_ownLoad;
+        const bool mayDecide = isOwn && !m_isUsedUp;
         switch (step) {
             case Step::start:
             case Step::leadOn:
@@ -351,10 +358,13 @@ private:
             case Step::fetchedPage:
             case Step::picture:
             case Step::errorPage:
-                TellResponse(step, isOwn);
+                TellResponse(step, mayDecide);
+                break;
+            case Step::arrive:
+                TellArrival(mayDecide);
                 break;
             default:
-                TellEnd(step, isOwn);
+                TellEnd(step, mayDecide);
         }
     }
 
@@ -364,7 +374,7 @@ private:
                 m_hasAnswered = isOwn && m_hasStarted;
                 m_hasStarted = m_hasStarted || isOwn;
                 m_processHasLoaded = true;
-                m_isAtFinalPage = false;
+                m_isAtFinalPage = m_isUsedUp = false;
                 m_operation.OnLoadStarted();
                 break;
             case Step::leadOn:
@@ -459,6 +469,7 @@ private:
         const bool isQueryDue = before && m_isOpen && !isEnd;
         const std::size_t queries = m_queries.size();
         Expect(isPage ? expected : "", [&] { m_operation.OnResponse(response); });
+        m_isUsedUp = m_isUsedUp || !m_given.empty();
         Check(m_queries.size() == queries + (isQueryDue ? 1 : 0), "another query for a page");
         if (isPage) {
             ForgetBefore();
@@ -522,6 +533,21 @@ private:
                [this] { m_operation.OnPageFinished(m_viewUri); });
         Check(m_queries.size() == queries + (isQueryDue ? 1 : 0), "another query at the end");
         m_isAtFinalPage = m_isAtFinalPage || (isQueryDue && m_isOpen);
+    }
+
+    /// The page has finished, and changes its address without a load.
+    void TellArrival(bool isOwn) {
+        const std::string before = m_viewUri;
+        m_viewUri = DrawUrl() + (Draw(3) == 0 ? "#part" : "");
+        const bool isHeard = isOwn && m_isOpen;
+        const bool isFinal =
+            isHeard && m_viewUri == m_begun.finalUrl && before != m_viewUri + "#part";
+        const std::size_t queries = m_queries.size();
+        m_isAtFinalPage = isHeard ? isFinal && m_begun.isForCookie : m_isAtFinalPage;
+        Expect(isFinal && !m_begun.isForCookie ? "success" : "",
+               [this] { m_operation.OnAddressChanged(m_viewUri); });
+        Check(m_queries.size() == queries + (isFinal && m_begun.isForCookie ? 1 : 0),
+              "another query at the arrival");
     }
 
     /// A load of which nothing came is asked for again, once; if it was the operation's own.
@@ -597,6 +623,8 @@ private:
             expected = ResultOfAnswer(query.purpose, *answer, before);
         }
         Expect(expected, [&, query = query] { m_operation.OnCookies(query, answer); });
+        m_isUsedUp =
+            m_isUsedUp || (query.purpose == CookieQuery::Purpose::page && !m_given.empty());
         Check(m_loads == loads + (isLoadDue ? 1 : 0), "another load behind the baseline");
     }
 
@@ -692,6 +720,7 @@ private:
     int m_cancelled = 0;
     bool m_isRepeated = false;
     bool m_isAtFinalPage = false;
+    bool m_isUsedUp = false;
     bool m_hasStarted = false;
     bool m_hasAnswered = false;
     bool m_processHasLoaded = false;

@@ -27,6 +27,37 @@ TEST_F(PageOperation, SucceedsAtItsFinalPage) {
     EXPECT_THAT(m_log.Lines(), IsEmpty());
 }
 
+TEST_F(PageOperation, SucceedsWhenAFinishedPageTakesItsFinalAddress) {
+    StartBrowse();
+    m_operation.OnPageCommitted(200, kPage);
+    m_operation.OnPageFinished(kPage);
+    m_operation.OnAddressChanged("http://host/step");
+    EXPECT_THAT(Asked(), IsEmpty());
+    m_operation.OnAddressChanged(kFinal);
+    EXPECT_THAT(Asked(), ElementsAre("success"));
+}
+
+TEST_F(PageOperation, StaysOpenWhenAPageDropsItsFragmentAlone) {
+    StartBrowse();
+    m_operation.OnPageFinished("http://host/final#part");
+    m_operation.OnAddressChanged(kFinal);
+    EXPECT_THAT(Asked(), IsEmpty());
+}
+
+TEST_F(PageOperation, TakesNoAddressOfAnotherPageForItsOwn) {
+    StartBrowse();
+    m_operation.OnPageFinished(kPage);
+    Browse();
+    m_operation.OnAddressChanged(kFinal);
+    EXPECT_THAT(Asked(), ElementsAre("load http://host/page"));
+    m_operation.OnLoadStarted();
+    m_operation.OnTimeout();
+    m_port.QueueOperation();
+    m_operation.OnAddressChanged(kPage);
+    m_operation.OnAddressChanged(kFinal);
+    EXPECT_THAT(Asked(), ElementsAre("error_timeout"));
+}
+
 TEST_F(PageOperation, ComparesItsFinalPageByteForByte) {
     StartBrowse();
     for (const char* const uri : {"http://host/final/", "http://host/Final", "http://host/fina"}) {

@@ -34,6 +34,20 @@ TEST(PageOutcome, NeverReachesAnEmptyFinalUrl) {
     EXPECT_FALSE(IsFinalUrl("http://host/a", ""));
 }
 
+TEST(PageOutcome, ArrivesAtTheFinalUrlWithoutALoad) {
+    EXPECT_TRUE(IsArrival("http://host/app", "http://host/app/done", "http://host/app/done"));
+    EXPECT_FALSE(IsArrival("http://host/app", "http://host/app/next", "http://host/app/done"));
+    EXPECT_FALSE(IsArrival("http://host/app", "", ""));
+}
+
+TEST(PageOutcome, ArrivesByAChangeOfTheFragmentOnlyIfTheFinalUrlHasIt) {
+    EXPECT_TRUE(IsArrival("http://host/app", "http://host/app#done", "http://host/app#done"));
+    EXPECT_TRUE(IsArrival("http://host/app#a", "http://host/app#done", "http://host/app#done"));
+    EXPECT_FALSE(IsArrival("http://host/app", "http://host/app#done", "http://host/app"));
+    EXPECT_FALSE(IsArrival("http://host/app#done", "http://host/app", "http://host/app"));
+    EXPECT_TRUE(IsArrival("http://host/application#a", "http://host/app", "http://host/app"));
+}
+
 TEST(PageOutcome, TellsLoadFailuresApartByTheirCode) {
     EXPECT_EQ(ClassifyLoadFailure(302), LoadFailure::cancelled);
     EXPECT_EQ(ClassifyLoadFailure(101), LoadFailure::cannotShow);

@@ -225,6 +225,13 @@ struct GtkBrowserWindow::Callbacks {
         return TRUE;
     }
 
+    static void uriChangedCB(WebKitWebView* webView, GParamSpec* /*property*/,
+                             GtkBrowserWindow* self) {
+        if (webkit_web_view_is_loading(webView) == FALSE) {
+            OperationOf(self).OnAddressChanged(UriOf(webView));
+        }
+    }
+
     // The engine can stop a load without reporting how it ended. If it does report an end, the
     // report follows immediately, so the operation hears of the stop only when the main loop is
     // idle.
@@ -419,6 +426,7 @@ void GtkBrowserWindow::connectWebViewSignals() {
         {"resource-load-started", G_CALLBACK(Callbacks::onResourceLoadStarted)},
         {"decide-policy", G_CALLBACK(Callbacks::onDecidePolicy)},
         {"web-process-terminated", G_CALLBACK(Callbacks::webProcessTerminatedCB)},
+        {"notify::uri", G_CALLBACK(Callbacks::uriChangedCB)},
         {"notify::is-loading", G_CALLBACK(Callbacks::isLoadingChangedCB)},
         {"notify::is-web-process-responsive", G_CALLBACK(Callbacks::responsivenessChangedCB)},
     };

@@ -13,7 +13,7 @@ struct CookieQuery {
         request,         ///< every cookie, before a page is requested
         page,            ///< the cookies of a page whose response has come
         finalPage,       ///< the cookies of the final page, which has finished
-        finalPageAgain,  ///< the same, because the store has changed since
+        finalPageAgain,  ///< the same, because the store or the page's address has changed
     };
     Purpose purpose;
     std::string uri;

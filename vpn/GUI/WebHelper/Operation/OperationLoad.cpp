@@ -40,10 +40,18 @@ bool COperationLoad::IsToCome() const {
     return m_phase == Phase::waiting || m_phase == Phase::asked;
 }
 
+bool COperationLoad::MayDecide() const {
+    return !IsToCome() && m_phase != Phase::usedUp;
+}
+
+void COperationLoad::UseUp() {
+    m_phase = Phase::usedUp;
+}
+
 bool COperationLoad::TakeAnswer() {
     // When a load replaces another one, the engine first reports the end of the other load, with
     // the new URI already.
-    if (IsToCome()) {
+    if (!MayDecide()) {
         return false;
     }
     m_phase = Phase::over;
@@ -93,6 +101,8 @@ bool COperationLoad::SurvivesProcess() {
         case Phase::asked:
             // The load was requested while the process was already dying, and is lost with it.
             return repeatOnce();
+        case Phase::usedUp:
+            return true;
         default:
             m_phase = Phase::over;
             return false;

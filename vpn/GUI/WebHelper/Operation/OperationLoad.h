@@ -27,8 +27,15 @@ public:
     /// page.
     [[nodiscard]] bool IsToCome() const;
 
-    /// The engine reports how a load goes on. Returns false if the report belongs to the previous
-    /// page. Otherwise this load counts as answered and can no longer be lost.
+    /// Whether the engine's reports belong to this load, and may decide.
+    [[nodiscard]] bool MayDecide() const;
+
+    /// This load has brought the result before its end. Whatever it still brings decides nothing,
+    /// for no operation.
+    void UseUp();
+
+    /// The engine reports how a load goes on. Returns false if the report may not decide. Otherwise
+    /// this load counts as answered and can no longer be lost.
     [[nodiscard]] bool TakeAnswer();
 
     void OnStarted();
@@ -56,6 +63,7 @@ private:
         asked,    ///< requested, but not started yet
         started,  ///< started, but not committed yet
         over,     ///< committed or ended, or there is no load
+        usedUp,   ///< has brought the result, and may still go on
     };
 
     [[nodiscard]] bool isProcessStuck() const;

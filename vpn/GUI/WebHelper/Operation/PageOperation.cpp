@@ -47,6 +47,7 @@ void CPageOperation::OnLoadStarted() {
 }
 
 void CPageOperation::OnPageCommitted(std::uint32_t status, const std::string& uri) {
+    m_address = uri;
     if (m_load.TakeAnswer() && IsHttpError(status)) {
         TK_LOG_ERROR_OF("webViewLoadChangedCB", "HTTP ERROR CODE = %u, URL = %s", status,
                         uri.c_str());
@@ -55,6 +56,7 @@ void CPageOperation::OnPageCommitted(std::uint32_t status, const std::string& ur
 }
 
 void CPageOperation::OnPageFinished(const std::string& uri) {
+    m_address = uri;
     if (!m_load.TakeAnswer() || !IsFinalUrl(uri.c_str(), m_finalUrl) || m_port.IsResultSent()) {
         return;
     }
@@ -67,6 +69,23 @@ void CPageOperation::OnPageFinished(const std::string& uri) {
         query(CookieQuery::Purpose::finalPage, uri);
     } else {
         end(BrowserResultType::error_cookie);
+    }
+}
+
+void CPageOperation::OnAddressChanged(const std::string& uri) {
+    const std::string before = std::exchange(m_address, uri);
+    if (!m_isOpen || !m_load.MayDecide()) {
+        return;
+    }
+    m_finalPage.OnLeft();
+    if (!IsArrival(before, uri, m_finalUrl)) {
+        return;
+    }
+    if (!m_wanted.AreWanted()) {
+        end(BrowserResultType::success);
+    } else if (m_port.CanQueryCookies()) {
+        m_finalPage.OnArrived(uri);
+        query(CookieQuery::Purpose::finalPageAgain, uri);
     }
 }
 
@@ -127,7 +146,8 @@ bool CPageOperation::mayDecide(const std::string& uri) const {
 }
 
 void CPageOperation::OnResponse(const PageResponse& response) {
-    if (m_load.IsToCome() || !IsCookieBearingResponse(response.status, response.mimeType.c_str())) {
+    if (!m_load.MayDecide() ||
+        !IsCookieBearingResponse(response.status, response.mimeType.c_str())) {
         return;
     }
     judgeHeader(response);
@@ -139,7 +159,7 @@ void CPageOperation::judgeHeader(const PageResponse& response) {
     if (response.setCookie &&
         HaveEqualHosts(response.requests.front().c_str(), m_finalUrl.c_str()) &&
         IsAsSecureAs(response.requests.back().c_str(), m_finalUrl.c_str())) {
-        endWith(m_wanted.FindInHeader(*response.setCookie));
+        endEarlyWith(m_wanted.FindInHeader(*response.setCookie));
     }
 }
 
@@ -177,7 +197,8 @@ void CPageOperation::OnCookies(const CookieQuery& query,
             break;
         case CookieQuery::Purpose::page:
             if (isCurrent && cookies) {
-                endWith(m_wanted.FindPreferred(CCookieWatch::NewOnes(*cookies, query.baseline)));
+                endEarlyWith(
+                    m_wanted.FindPreferred(CCookieWatch::NewOnes(*cookies, query.baseline)));
             }
             break;
         case CookieQuery::Purpose::finalPage:
@@ -234,5 +255,14 @@ void CPageOperation::end(BrowserResultType result) {
 void CPageOperation::endWith(const std::optional<DecidingCookie>& cookie) {
     if (cookie) {
         m_port.SendResult(cookie->result, cookie->value);
+    }
+}
+
+// The end of the same page must not bring the same cookie a second time, to an operation that the
+// agent has queued meanwhile.
+void CPageOperation::endEarlyWith(const std::optional<DecidingCookie>& cookie) {
+    if (cookie && !m_port.IsResultSent()) {
+        m_load.UseUp();
+        endWith(cookie);
     }
 }

@@ -36,14 +36,15 @@ struct PageFailure {
 /// decides when the operation ends, and how. It receives events, and asks its port for what follows
 /// from them. A result goes out through the port, which lets only one out for each operation.
 ///
-/// An operation without a wanted cookie ends when the page at its final URL has finished. An
-/// operation with a wanted cookie ends when a page of the final URL's host brings that cookie or
-/// the error cookie, over https if the final URL has it. It also ends at the final page, depending
-/// on the cookies that the store has for that page then, or gets while the page stays. Both kinds
-/// end when the page cannot be loaded, when its process dies, when the time is over or when the
-/// person closes the window.
+/// An operation without a wanted cookie ends when the page at its final URL has finished, or when a
+/// finished page changes its address to that one. An operation with a wanted cookie ends when a
+/// page of the final URL's host brings that cookie or the error cookie, over https if the final URL
+/// has it. It also ends at the final page, depending on the cookies that the store has for that
+/// page then, or gets while the page stays. Both kinds end when the page cannot be loaded, when its
+/// process dies, when the time is over or when the person closes the window.
 ///
-/// Once the operation has begun, an event of the previous page decides nothing. Main thread only.
+/// Once the operation has begun, an event of the previous page decides nothing. A page that has
+/// brought its cookie on the way decides nothing more. Main thread only.
 class CPageOperation {
 public:
     /// The port is not owned and must outlive this.
@@ -62,6 +63,8 @@ public:
     void OnLoadStarted();
     void OnPageCommitted(std::uint32_t status, const std::string& uri);
     void OnPageFinished(const std::string& uri);
+    /// The page, which has finished, has changed its address without a load.
+    void OnAddressChanged(const std::string& uri);
     /// Returns false if the load failed because another load replaced it: nobody handles such a
     /// failure.
     [[nodiscard]] bool OnLoadFailed(const PageFailure& failure);
@@ -95,10 +98,13 @@ private:
     void queryForPage(const std::vector<std::string>& requests);
     void decideByFinalPage(const std::vector<StoredCookie>& cookies);
     void endWith(const std::optional<DecidingCookie>& cookie);
+    void endEarlyWith(const std::optional<DecidingCookie>& cookie);
     void end(BrowserResultType result);
 
     IPageOperationPort& m_port;
     std::string m_finalUrl;
+    // Of the page that the view shows, whosever it is.
+    std::string m_address;
     CWantedCookies m_wanted;
     COperationLoad m_load;
     CCookieWatch m_cookieWatch;

@@ -29,6 +29,11 @@ bool IsFinalUrl(const char* currentUri, const std::string& finalUrl) {
     return currentUri != nullptr && *currentUri != '\0' && finalUrl == currentUri;
 }
 
+bool IsArrival(const std::string& fromUri, const std::string& toUri, const std::string& finalUrl) {
+    const bool dropsFragment = fromUri.compare(0, toUri.size() + 1, toUri + "#") == 0;
+    return IsFinalUrl(toUri.c_str(), finalUrl) && !dropsFragment;
+}
+
 bool IsCookieBearingResponse(std::uint32_t status, const char* mimeType) {
     return status >= 200 && status <= 299 && mimeType != nullptr &&
            std::strcmp(mimeType, "text/html") == 0;

@@ -23,6 +23,10 @@ bool IsHttpError(std::uint32_t status);
 /// matches, not even an empty final URL.
 bool IsFinalUrl(const char* currentUri, const std::string& finalUrl);
 
+/// True if a page that changes its address without a load comes to the final URL by that. To drop
+/// the fragment alone is to stay at the same page.
+bool IsArrival(const std::string& fromUri, const std::string& toUri, const std::string& finalUrl);
+
 /// True for a response that may carry the operation's cookie: its status is 200 to 299 and its type
 /// is exactly "text/html".
 bool IsCookieBearingResponse(std::uint32_t status, const char* mimeType);
