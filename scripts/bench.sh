@@ -21,17 +21,18 @@ programs=$root/build/release/bench
 samples=$(mktemp -d)
 trap 'rm -rf "$samples"' EXIT
 
-# version PACKAGE: as Debian installed it.
+# version MODULE: as pkg-config knows it.
 version() {
-    dpkg-query -W -f='${Version}' "$1"
+    pkg-config --modversion "$1"
 }
 
 describe_machine() {
     printf -- '- Processor: %s, %s processors\n' \
         "$(sed -n 's/^model name[^:]*: //p' /proc/cpuinfo | head -1)" "$(nproc)"
     printf -- '- WebKitGTK %s, GTK %s, GLib %s, C library %s, g++ %s\n' \
-        "$(version libwebkit2gtk-4.0-37)" "$(version libgtk-3-0)" "$(version libglib2.0-0)" \
-        "$(version libc6)" "$(g++ -dumpfullversion)"
+        "$(version "webkit2gtk-$("$root/scripts/engine-api.sh")")" "$(version gtk+-3.0)" \
+        "$(version glib-2.0)" "$(getconf GNU_LIBC_VERSION | sed 's/^glibc //')" \
+        "$(g++ -dumpfullversion)"
     printf -- '- Command: `%s`, %s rounds; each figure is a median\n' "$command_line" "$rounds"
 }
 
