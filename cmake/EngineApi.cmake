@@ -1,7 +1,7 @@
 # The engine's API: 4.0 goes with libsoup 2.4, 4.1 with libsoup 3. A process can hold only one of
 # the two libraries, so the whole build follows one choice. It is not cached, because what the
 # system has can change.
-find_package(PkgConfig REQUIRED)
+tk_find_package(PkgConfig)
 
 set(TK_ENGINE_API "" CACHE STRING "API of the engine: 4.0, 4.1, or empty for the script's choice")
 set_property(CACHE TK_ENGINE_API PROPERTY STRINGS "" 4.0 4.1)
@@ -23,7 +23,7 @@ else()
     message(FATAL_ERROR "TK_ENGINE_API must be 4.0 or 4.1")
 endif()
 
-pkg_check_modules(WEBKIT REQUIRED IMPORTED_TARGET webkit2gtk-${tk_engine_api})
-pkg_check_modules(SOUP REQUIRED IMPORTED_TARGET ${tk_soup_module})
+tk_find_modules(WEBKIT webkit2gtk-${tk_engine_api})
+tk_find_modules(SOUP ${tk_soup_module})
 pkg_get_variable(tk_engine_libdir webkit2gtk-${tk_engine_api} libdir)
 set(tk_engine_programs "${tk_engine_libdir}/webkit2gtk-${tk_engine_api}")

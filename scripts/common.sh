@@ -2,7 +2,6 @@
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 current_step=""
-configure_options=()
 
 # step TEXT: announces what comes next.
 step() {
@@ -16,15 +15,15 @@ fail() {
     exit 1
 }
 
-# build PRESET [TARGET...]: configures with configure_options on top of the preset's, and builds the
-# targets, or everything if none is named. Shows the output of Ninja. Shows the output of
-# configuring only if that fails, because it is long and rarely needed.
+# build PRESET [TARGET...]: configures, and builds the targets, or everything if none is named. Shows
+# the output of Ninja. Shows the output of configuring only if that fails, because it is long and
+# rarely needed.
 build() {
     local preset=$1 log
     shift
     step "Configure ($preset)"
     log=$(mktemp)
-    if ! (cd "$root" && cmake --preset "$preset" "${configure_options[@]}") >"$log" 2>&1; then
+    if ! (cd "$root" && cmake --preset "$preset") >"$log" 2>&1; then
         cat "$log"
         rm -f "$log"
         fail "$current_step"

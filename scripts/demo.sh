@@ -29,10 +29,8 @@ start_virtual_display() {
 }
 
 "$root/scripts/install-deps.sh" || exit 1
-# The tests need packages that the demo does not need.
-configure_options=(-DTK_BUILD_TESTS=OFF)
-build release tkwebhelper tkagent
-tkagent=$root/build/release/bin/tkagent
+build program tkwebhelper tkagent
+tkagent=$root/build/program/bin/tkagent
 
 if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
     step "Demo: sign in in the window that opens"
