@@ -4,13 +4,20 @@
 #   packaging/pack.sh BUILD_FOLDER OUTPUT_FOLDER
 #
 # The same build gives the same packages, byte for byte. Their date is SOURCE_DATE_EPOCH, or that of
-# the last commit.
+# the last commit, or that of the sources if they are no clone: an archive gives its files the date of
+# its commit.
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/../scripts/common.sh"
 build=$(realpath "$1")
 output=$2
 
-SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(git -C "$root" log -1 --format=%ct)}
+# source_date: in seconds since 1970. A folder above the sources may be a clone of something else.
+source_date() {
+    { [ -e "$root/.git" ] && git -C "$root" log -1 --format=%ct 2>/dev/null; } ||
+        stat --format=%Y "$root/CHANGELOG.md"
+}
+
+SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(source_date)}
 export SOURCE_DATE_EPOCH TK_SOURCE=$root TK_BUILD=$build
 
 # write_changelog: prints the package's own changelog. What users notice is in the other one.

@@ -8,8 +8,8 @@ source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 packages=$root/build/packages
 
 "$root/scripts/install-deps.sh" --package || exit 1
-build release tkwebhelper catalogs
-"$root/packaging/pack.sh" "$root/build/release" "$packages"
+build program tkwebhelper catalogs
+"$root/packaging/pack.sh" "$root/build/program" "$packages"
 
 step "Contents"
 dpkg-deb --contents "$packages"/tunnelkeep-webhelper_*.deb
