@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <set>
 
@@ -25,6 +26,15 @@ std::string PathOfThePackage() {
         }
     }
     return "no package in " TK_PACKAGES;
+}
+
+/// All paths below a folder.
+std::set<std::string> EntriesBelow(const std::string& folder) {
+    std::set<std::string> entries;
+    for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+        entries.insert(fs::relative(entry.path(), folder));
+    }
+    return entries;
 }
 
 class InstalledPackage : public testing::Test {
@@ -65,12 +75,9 @@ protected:
 
     /// Everything in the root but dpkg's own database.
     [[nodiscard]] std::set<std::string> Entries() const {
-        std::set<std::string> entries;
-        for (const auto& entry : fs::recursive_directory_iterator(m_root.Path())) {
-            const std::string path = fs::relative(entry.path(), m_root.Path());
-            if (path.rfind("var", 0) != 0) {
-                entries.insert(path);
-            }
+        std::set<std::string> entries = EntriesBelow(m_root.Path());
+        for (auto entry = entries.begin(); entry != entries.end();) {
+            entry = entry->rfind("var", 0) == 0 ? entries.erase(entry) : std::next(entry);
         }
         return entries;
     }
@@ -84,7 +91,7 @@ private:
 
 }  // namespace
 
-TEST_F(InstalledPackage, SignsInAndLeavesNothingBehind) {
+TEST_F(InstalledPackage, SignsInAndLeavesTwoFilesInTheHome) {
     ASSERT_TRUE(Dpkg("--install", PathOfThePackage()));
     EXPECT_THAT(Entries(), testing::Contains("opt/velto/tunnelkeep/bin/tkwebhelper"));
 
@@ -95,4 +102,10 @@ TEST_F(InstalledPackage, SignsInAndLeavesNothingBehind) {
 
     EXPECT_TRUE(Dpkg("--purge", "tunnelkeep-webhelper"));
     EXPECT_THAT(Entries(), testing::IsEmpty());
+    // Those of which the manual page says that they stay.
+    EXPECT_THAT(
+        EntriesBelow(std::getenv("HOME")),
+        testing::ElementsAre(".local", ".local/share", ".local/share/Velto Tunnelkeep VPN Client",
+                             ".local/share/Velto Tunnelkeep VPN Client/hsts-storage.sqlite",
+                             ".velto", ".velto/tkwebhelper.cookies.sqlite"));
 }

@@ -17,6 +17,8 @@ diff - <(cd "$folder/program" && find . -type f ! -path '*/l10n/*' -printf '%m %
 644 ./usr/share/doc/tunnelkeep-webhelper/changelog.Debian.gz
 644 ./usr/share/doc/tunnelkeep-webhelper/changelog.gz
 644 ./usr/share/doc/tunnelkeep-webhelper/copyright
+644 ./usr/share/doc/tunnelkeep-webhelper/protocol.md
+644 ./usr/share/doc/tunnelkeep-webhelper/troubleshooting.md
 644 ./usr/share/lintian/overrides/tunnelkeep-webhelper
 644 ./usr/share/man/man1/tkwebhelper.1.gz
 644 ./usr/share/tunnelkeep-webhelper/apparmor-profile
