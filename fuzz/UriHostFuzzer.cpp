@@ -1,4 +1,4 @@
-// The addresses of an operation and of a page, whose hosts are compared.
+// The addresses of an operation and of a page, whose hosts are compared and shown.
 //
 // Input: one address, a line feed, and the other address.
 
@@ -25,6 +25,13 @@ bool MayTryScheme(const std::string& address) {
         schemes.insert(scheme);
     }
     return scheme == address || schemes.count(scheme) != 0;
+}
+
+/// The host of what may be shown of an address.
+std::string ShownHost(const std::string& address) {
+    const std::string shown = SchemeAndHost(address.c_str());
+    const std::size_t host = shown.find("//");
+    return host != std::string::npos ? shown.substr(host) : "";
 }
 
 }  // namespace
@@ -56,6 +63,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     for (const char* const known : {"http://login.example/", "https://www.example/"}) {
         TK_CHECK(!(areEqual && haveEqualHosts(first, known)) || haveEqualHosts(second, known));
     }
+    TK_CHECK(!areEqual || ShownHost(first) == ShownHost(second));
     TK_CHECK(!haveEqualHosts(first, "http://login.example/") ||
              !haveEqualHosts(first, "http://www.example/"));
     return 0;

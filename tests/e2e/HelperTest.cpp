@@ -5,7 +5,7 @@
 #include <sstream>
 
 #include "HelperProgram.h"
-#include "SystemLogLine.h"
+#include "JournalRecords.h"
 #include "TemporaryFolder.h"
 #include "WaitUntil.h"
 
@@ -37,6 +37,10 @@ bool IsRepeatOfCancelledLoad(const SystemLogLine& line) {
 
 bool IsOfMessageCatalog(const SystemLogLine& line) {
     return line.file.find("/i18n/") != std::string::npos;
+}
+
+std::string LineOf(const SystemLogLine& line) {
+    return line.level + (" " + line.message);
 }
 
 // How often a process's main thread has gone to sleep so far, and whether it sleeps now.
@@ -186,11 +190,29 @@ std::string HelperTest::AwaitPromptEnd() {
 
 std::vector<std::string> HelperTest::LogLines() {
     std::vector<std::string> lines;
+    for (const SystemLogLine& line : CertainLogLines()) {
+        if (!IsOfJournal(line.file)) {
+            lines.push_back(LineOf(line));
+        }
+    }
+    return lines;
+}
+
+std::vector<std::string> HelperTest::LogLinesWithJournal() {
+    std::vector<std::string> lines;
+    for (const SystemLogLine& line : CertainLogLines()) {
+        lines.push_back(WithoutTime(LineOf(line)));
+    }
+    return lines;
+}
+
+std::vector<SystemLogLine> HelperTest::CertainLogLines() {
+    std::vector<SystemLogLine> lines;
     for (const SystemLogRecord& record : m_log.Records()) {
         const SystemLogLine line = ParseSystemLogLine(record);
         if (record.identity == kIdentity && record.pid == m_helper.Pid() &&
             !IsOfMessageCatalog(line) && !IsRepeatOfCancelledLoad(line)) {
-            lines.push_back(line.level + (" " + line.message));
+            lines.push_back(line);
         }
     }
     return lines;

@@ -13,6 +13,7 @@
 #include "HttpServer.h"
 #include "LaunchedProcess.h"
 #include "SystemLog.h"
+#include "SystemLogLine.h"
 #include "TestDeadline.h"
 #include "XClient.h"
 
@@ -74,9 +75,13 @@ protected:
 
     /// The program's log records so far, in order, as "E message" or, for a failed call,
     /// "E function returned 0xFE000002"; without the two records of the message catalogue, which
-    /// come from another thread than the connection's. Where the engine cancels loads by itself,
-    /// without their repeats as well: how often that happens is chance.
+    /// come from another thread than the connection's, and without those of how operations begin
+    /// and end. Where the engine cancels loads by itself, without their repeats as well: how often
+    /// that happens is chance.
     [[nodiscard]] std::vector<std::string> LogLines();
+
+    /// The same with the records of how operations begin and end, with "N ms" in place of the time.
+    [[nodiscard]] std::vector<std::string> LogLinesWithJournal();
 
     [[nodiscard]] std::string AgentPort() const { return std::to_string(m_agent.Port()); }
 
@@ -89,5 +94,8 @@ protected:
     int m_errorStream = -1;
 
 private:
+    /// The program's own lines but those that depend on chance.
+    [[nodiscard]] std::vector<SystemLogLine> CertainLogLines();
+
     std::optional<CHelperConnection> m_connection;
 };

@@ -97,7 +97,8 @@ TEST_F(Traces, RecordsNamePathsWithinTheRepository) {
     EXPECT_THAT(files, ElementsAre("vpn/Common/IPC-JSON/JSONIPCClient.cpp",
                                    "vpn/Common/i18n/MsgCatalog.cpp",
                                    "vpn/GUI/WebHelper/IPC/BrowserIPCClient.cpp",
-                                   "vpn/GUI/WebHelper/Linux/GtkBrowserController.cpp"));
+                                   "vpn/GUI/WebHelper/Linux/GtkBrowserController.cpp",
+                                   "vpn/GUI/WebHelper/Operation/OperationJournal.cpp"));
 }
 
 TEST_F(Traces, AnExpiringCookieIsKeptInTheUsersStore) {

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "EventMessages.h"
+#include "JournalRecords.h"
 #include "TestDeadline.h"
 
 class LogCapture::Store {
@@ -84,6 +85,10 @@ std::string LineOf(const CapturedRecord& record) {
     return level + " " + MessageOf(record.text);
 }
 
+bool IsOfJournal(const CapturedRecord& record) {
+    return ::IsOfJournal(Field(record.text, "File: "));
+}
+
 }  // namespace
 
 LogCapture::LogCapture()
@@ -97,7 +102,19 @@ std::vector<CapturedRecord> LogCapture::Records() const {
 std::vector<std::string> LogCapture::Lines() const {
     std::vector<std::string> lines;
     for (const CapturedRecord& record : m_store->Records()) {
-        lines.push_back(LineOf(record));
+        if (!IsOfJournal(record)) {
+            lines.push_back(LineOf(record));
+        }
+    }
+    return lines;
+}
+
+std::vector<std::string> LogCapture::JournalLines() const {
+    std::vector<std::string> lines;
+    for (const CapturedRecord& record : m_store->Records()) {
+        if (IsOfJournal(record)) {
+            lines.push_back(WithoutTime(LineOf(record)));
+        }
     }
     return lines;
 }

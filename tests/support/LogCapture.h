@@ -26,8 +26,12 @@ public:
     [[nodiscard]] std::vector<CapturedRecord> Records() const;
 
     /// Every record so far as "E message", without function, file and line. A failed call reads as
-    /// "E invoked function returned 0xFE000002".
+    /// "E invoked function returned 0xFE000002". The records of how operations begin and end are
+    /// left out.
     [[nodiscard]] std::vector<std::string> Lines() const;
+
+    /// Those records alone, with "N ms" in place of the time.
+    [[nodiscard]] std::vector<std::string> JournalLines() const;
 
     /// The function or the line that each record names, in order.
     [[nodiscard]] std::vector<std::string> Functions() const { return Fields("Function: "); }

@@ -218,4 +218,9 @@ TEST_F(WindowOperationsTest, ALateEventCountsForTheOperationQueuedMeanwhile) {
     EXPECT_THAT(Results(), ElementsAre("error_navi", "error_navi"));
     ASSERT_TRUE(m_loads.WaitFor("FINISHED " + m_server.Url("/page")));
     EXPECT_THAT(Results(), ElementsAre("error_navi", "error_navi"));
+    EXPECT_THAT(m_log.JournalLines(),
+                ElementsAre("I Operation browse begins: http://127.0.0.1, not shown",
+                            "I Operation browse ends: error_navi after N ms",
+                            "I A late event gives a result: error_navi",
+                            "I Operation browse begins: http://127.0.0.1, not shown"));
 }

@@ -36,6 +36,16 @@ TEST(LogCapture, ReadsAsShortLines) {
                 ElementsAre("W two\nlines", "E CPlace::Call returned 0x0000000D", "T event"));
 }
 
+TEST(LogCapture, KeepsTheRecordsOfOperationsApartAndTheirTimeOut) {
+    const LogCapture capture;
+    constexpr const char* kJournal = "vpn/GUI/WebHelper/Operation/OperationJournal.cpp";
+    LogMessage("f", kJournal, 1, 'I', "begins");
+    LogMessage("f", "a.cpp", 1, 'E', "took 12 ms");
+    LogMessage("f", kJournal, 1, 'I', "ends after 120 ms");
+    EXPECT_THAT(capture.Lines(), ElementsAre("E took 12 ms"));
+    EXPECT_THAT(capture.JournalLines(), ElementsAre("I begins", "I ends after N ms"));
+}
+
 TEST(LogCapture, ForgetsWhenAsked) {
     LogCapture capture;
     Report();

@@ -22,6 +22,7 @@
 #include "MainLoopSource.h"
 #include "MainThread.h"
 #include "MsgCatalog.h"
+#include "OperationJournal.h"
 #include "PageGuard.h"
 #include "PageOperation.h"
 #include "PageSettings.h"
@@ -146,6 +147,7 @@ struct GtkBrowserWindow::MainThreadParts {
     std::unique_ptr<CPageGuard> pageGuard;
     OperationPort port;
     CPageOperation operation;
+    COperationJournal journal;
     guint timeoutSource = 0;
     guint loadStoppedSource = 0;
     std::optional<CWebsiteDataRemoval> dataRemoval;
@@ -188,6 +190,13 @@ struct GtkBrowserWindow::Callbacks {
     }
 
     static gboolean onContextMenu() { return TRUE; }
+
+    // What is no link, such as a script's window or a form's.
+    static GtkWidget* onCreate(WebKitWebView* webView, WebKitNavigationAction* /*action*/,
+                               GtkBrowserWindow* self) {
+        self->m_parts->journal.OnWindowRefused(UriOf(webView));
+        return nullptr;
+    }
 
     static void webViewLoadChangedCB(WebKitWebView* webView, WebKitLoadEvent event,
                                      GtkBrowserWindow* self) {
@@ -423,6 +432,7 @@ void GtkBrowserWindow::connectWebViewSignals() {
         {"load-changed", G_CALLBACK(Callbacks::webViewLoadChangedCB)},
         {"load-failed", G_CALLBACK(Callbacks::webViewLoadFailedCB)},
         {"context-menu", G_CALLBACK(Callbacks::onContextMenu)},
+        {"create", G_CALLBACK(Callbacks::onCreate)},
         {"resource-load-started", G_CALLBACK(Callbacks::onResourceLoadStarted)},
         {"decide-policy", G_CALLBACK(Callbacks::onDecidePolicy)},
         {"web-process-terminated", G_CALLBACK(Callbacks::webProcessTerminatedCB)},
@@ -463,15 +473,18 @@ gboolean GtkBrowserWindow::handleOperationCB(gpointer block) {
 void GtkBrowserWindow::carryOut(const CBrowserOperation& operation) {
     switch (operation.GetOperationType()) {
         case BrowserOperationType::browse:
+            m_parts->journal.OnBegin(operation);
             LoadPage(operation.GetUrl(), operation.GetFinalUrl(), "", "", operation.GetUserAgent(),
                      operation.GetTimeout());
             break;
         case BrowserOperationType::browse_for_cookie:
+            m_parts->journal.OnBegin(operation);
             // No timeout on purpose, because a person may take any time to sign in.
             LoadPage(operation.GetUrl(), operation.GetFinalUrl(), operation.GetCookieName(),
                      operation.GetErrorCookieName(), operation.GetUserAgent(), 0);
             break;
         case BrowserOperationType::reset:
+            m_parts->journal.OnBegin(operation);
             Hide();
             ResetBrowser();
             return;
@@ -551,6 +564,7 @@ void GtkBrowserWindow::SendResult(CBrowserResult& result, bool resultSentAfter) 
         return;
     }
     m_parts->operation.OnResult();
+    m_parts->journal.OnResult(result.GetResultType());
     m_resultHandler(result);
     Hide();
 }

@@ -27,3 +27,13 @@ bool HaveEqualHosts(const char* firstUri, const char* secondUri) {
 bool IsAsSecureAs(const char* uri, const char* otherUri) {
     return IsHttps(uri) || !IsHttps(otherUri);
 }
+
+std::string SchemeAndHost(const char* uri) {
+    const SoupUriPtr parsed = ParseUri(uri);
+    if (parsed == nullptr) {
+        return "";
+    }
+    const std::string scheme = std::string(SchemeOf(parsed.get())) + ":";
+    const char* const host = HostOf(parsed.get());
+    return host != nullptr && *host != '\0' ? scheme + "//" + host : scheme;
+}
