@@ -124,6 +124,19 @@ TEST_F(Frames, AnEmptyPayloadIsAMessageAndTheNextHeaderIsReadNormally) {
                             "W Notified of receiving invalid browser operation"));
 }
 
+TEST_F(Frames, AZeroBehindTheTextSpoilsAnOperation) {
+    Send(Browse() + '\0');
+    Reset();
+    EXPECT_THAT(m_server.RequestLines(), testing::IsEmpty());
+}
+
+TEST_F(Frames, ALineEndAndAByteOrderMarkSpoilNone) {
+    for (const std::string& text : {Browse() + "\r\n", "\xEF\xBB\xBF" + Browse()}) {
+        Send(text);
+        EXPECT_EQ(NextResult(), "success");
+    }
+}
+
 TEST_F(Frames, AResultIsAFrameWithItsJsonText) {
     Send(Browse());
     std::string payload;

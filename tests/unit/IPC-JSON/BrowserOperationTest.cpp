@@ -191,7 +191,7 @@ TEST_F(BrowserOperation, ReadsBareLiterals) {
 
 TEST_F(BrowserOperation, ReadsTheFourSpellingsOfAFlag) {
     const std::pair<const char*, bool> rows[] = {
-        {"true", true}, {"1", true}, {"false", false}, {"0", false}};
+        {"true", true}, {"1", true}, {" true ", true}, {"false", false}, {"0", false}};
     for (const auto& [text, flag] : rows) {
         CBrowserOperation operation(BrowserOperationType::browse, !flag, 0, "", "", "", "", "", "");
         EXPECT_TRUE(
@@ -200,18 +200,40 @@ TEST_F(BrowserOperation, ReadsTheFourSpellingsOfAFlag) {
     }
 }
 
-TEST_F(BrowserOperation, ReadsAnUnreadableFlagAndTimeoutAsFalseAndZero) {
-    CBrowserOperation operation = Full(BrowserOperationType::browse);
-    EXPECT_TRUE(operation.Deserialize(R"({"operation":"browse","show":"yes","timeout":"soon"})"));
-    EXPECT_FALSE(operation.GetShow());
-    EXPECT_EQ(operation.GetTimeout(), 0U);
+TEST_F(BrowserOperation, ReadsTheseSpellingsOfATimeout) {
+    for (const char* const text : {"30", "030", "+30", " 30 "}) {
+        CBrowserOperation operation;
+        EXPECT_TRUE(operation.Deserialize(std::string(R"({"operation":"browse","timeout":")") +
+                                          text + "\"}"));
+        EXPECT_EQ(operation.GetTimeout(), 30U) << text;
+    }
+}
+
+TEST_F(BrowserOperation, ReadsATimeoutOfMinusOneAsTheLongest) {
+    CBrowserOperation operation;
+    EXPECT_TRUE(operation.Deserialize(R"({"operation":"browse","timeout":-1})"));
+    EXPECT_EQ(operation.GetTimeout(), 4294967295U);
+}
+
+TEST_F(BrowserOperation, ReadsAnUnreadableFlagAsFalse) {
+    for (const char* const text : {"\"yes\"", "\"on\"", "\"True\"", "2", "null", "\"\""}) {
+        CBrowserOperation operation = Full(BrowserOperationType::browse);
+        EXPECT_TRUE(
+            operation.Deserialize(std::string(R"({"operation":"browse","show":)") + text + "}"));
+        EXPECT_FALSE(operation.GetShow()) << text;
+    }
     EXPECT_THAT(m_log.Lines(), IsEmpty());
 }
 
-TEST_F(BrowserOperation, ReadsATimeoutOfMoreThanThirtyTwoBitsAsZero) {
-    CBrowserOperation operation;
-    EXPECT_TRUE(operation.Deserialize(R"({"operation":"browse","timeout":4294967296})"));
-    EXPECT_EQ(operation.GetTimeout(), 0U);
+TEST_F(BrowserOperation, ReadsAnUnreadableTimeoutAsZero) {
+    for (const char* const text :
+         {"\"soon\"", "1.5", "\"1s\"", "1e1", "\"0x1\"", "true", "null", "\"\"", "4294967296"}) {
+        CBrowserOperation operation = Full(BrowserOperationType::browse);
+        EXPECT_TRUE(
+            operation.Deserialize(std::string(R"({"operation":"browse","timeout":)") + text + "}"));
+        EXPECT_EQ(operation.GetTimeout(), 0U) << text;
+    }
+    EXPECT_THAT(m_log.Lines(), IsEmpty());
 }
 
 TEST_F(BrowserOperation, ReadsMissingMembersAsDefaults) {
