@@ -113,6 +113,14 @@ TEST_F(Storage, OfAPageEndsWithTheProgram) {
     EXPECT_EQ(Found(), "");
 }
 
+TEST_F(Storage, HasNoNoteOfTheSandboxLeft) {
+    ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady(InTheRuntimeFolder()));
+    Mark();
+    EXPECT_TRUE(fs::exists(m_runtime.Path(".flatpak")));
+    EXPECT_EQ(Terminate(), "exited with status 0");
+    EXPECT_FALSE(fs::exists(m_runtime.Path(".flatpak")));
+}
+
 TEST_F(Storage, OfAKilledProgramIsRemovedByTheNext) {
     ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady(InTheRuntimeFolder()));
     Mark();

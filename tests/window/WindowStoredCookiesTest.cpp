@@ -229,10 +229,19 @@ TEST_F(WindowStoredCookiesTest, ACookieForSecureConnectionsIsFound) {
 // What was set before the page's own request.
 
 TEST_F(WindowStoredCookiesTest, ACookieOfAScriptEndsNothing) {
-    m_server.ServePage(
-        "/page", "<script>document.cookie = 'sid=forged; path=/'; location = '/next'</script>");
+    // The store hears of the script's cookie and of the page's answer on two ways. The requests put
+    // the cookie behind the answer, and the next page behind the cookie.
+    m_server.ServeOnRelease("/answered", {200, "", "text/plain"});
+    m_server.Serve("/stored", {200, "", "text/plain"});
+    m_server.ServePage("/page",
+                       "<script>onload = async () => { await fetch('/answered');"
+                       "document.cookie = 'sid=forged; path=/'; await fetch('/stored');"
+                       "location = '/next' }</script>");
     m_server.Serve("/next", PageWithCookie("theme=dark; Path=/"));
     BrowseFrom(m_server.Url("/page"));
+    ASSERT_TRUE(WaitForRequest("/answered"));
+    ASSERT_TRUE(WaitForCookieQueries(View()));
+    m_server.Release("/answered");
     ASSERT_TRUE(m_loads.WaitFor("FINISHED " + m_server.Url("/next")));
     Settle();
     EXPECT_THAT(Results(), IsEmpty());

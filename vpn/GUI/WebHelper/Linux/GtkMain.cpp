@@ -116,5 +116,7 @@ int main(int argc, char** argv) {
     LogWhatEndsTheProgram();
     const CInstanceSmartPtr<StoragePath> storagePath = CreateStoragePath();
     SetUpTranslation();
-    return RunApplication(argc, argv);
+    const int status = RunApplication(argc, argv);
+    RemoveSandboxNotes();
+    return status;
 }

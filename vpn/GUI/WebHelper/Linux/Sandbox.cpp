@@ -1,11 +1,16 @@
 #include "Sandbox.h"
 
+#include <unistd.h>
+
 #include <cassert>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <string>
+#include <system_error>
 
 #include "AppLog.h"
+#include "FolderEntries.h"
 #include "MainThread.h"
 #include "SandboxProbe.h"
 
@@ -43,4 +48,19 @@ void ConfineWebProcesses(WebKitWebContext* context) {
         return;
     }
     webkit_web_context_set_sandbox_enabled(context, TRUE);
+}
+
+void RemoveSandboxNotes() {
+    assert(IsMainThread());
+    namespace fs = std::filesystem;
+    const fs::path folder = fs::path(g_get_user_runtime_dir()) / ".flatpak";
+    const std::string start = "webkit-" + std::to_string(getpid()) + "-";
+    std::error_code ignored;
+    for (const fs::path& note : FolderEntries(folder)) {
+        if (note.filename().string().rfind(start, 0) == 0) {
+            fs::remove_all(note, ignored);
+        }
+    }
+    // Other programs with this engine may have theirs there: a folder that is not empty stays.
+    fs::remove(folder, ignored);
 }

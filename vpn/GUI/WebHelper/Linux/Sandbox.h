@@ -10,3 +10,8 @@ void BeginSandboxProbe();
 /// sandbox does not work, logs why and leaves it off. Waits for the probe, which it begins if
 /// nobody has. Main thread.
 void ConfineWebProcesses(WebKitWebContext* context);
+
+/// Removes the notes that the engine writes of each sandbox and leaves in the user's runtime folder,
+/// or in the cache folder if there is none. To be called when no web process starts any more. Main
+/// thread.
+void RemoveSandboxNotes();
