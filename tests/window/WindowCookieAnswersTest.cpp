@@ -39,6 +39,7 @@ protected:
         queries.clear();
         heldQueries.clear();
         areHeld = false;
+        answerCookies.clear();
     }
 
     std::string Url(const std::string& path) { return m_server.Url(path); }
