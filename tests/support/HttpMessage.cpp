@@ -8,6 +8,15 @@
 
 namespace http = boost::beast::http;
 
+namespace {
+
+// Older and newer versions of Boost have different classes for this, and convert neither alike.
+std::string Copied(boost::beast::string_view text) {
+    return {text.data(), text.size()};
+}
+
+}  // namespace
+
 std::string HttpRequest::Header(const std::string& name) const {
     for (const auto& [key, value] : headers) {
         if (boost::beast::iequals(key, name)) {
@@ -23,8 +32,8 @@ std::string HttpRequest::Path() const {
 
 std::string HttpResponse::Head(std::size_t contentLength) const {
     const http::status known = http::int_to_status(status);
-    std::string head = "HTTP/1.1 " + std::to_string(status) + " " +
-                       http::obsolete_reason(known).to_string() + "\r\n";
+    std::string head =
+        "HTTP/1.1 " + std::to_string(status) + " " + Copied(http::obsolete_reason(known)) + "\r\n";
     if (!contentType.empty()) {
         head += "Content-Type: " + contentType + "\r\n";
     }
@@ -63,10 +72,10 @@ bool HttpRequestReader::IsDone() const {
 HttpRequest HttpRequestReader::Take() const {
     const auto& message = m_parser->get();
     HttpRequest request;
-    request.method = message.method_string().to_string();
-    request.target = message.target().to_string();
+    request.method = Copied(message.method_string());
+    request.target = Copied(message.target());
     for (const auto& field : message) {
-        request.headers.emplace_back(field.name_string().to_string(), field.value().to_string());
+        request.headers.emplace_back(Copied(field.name_string()), Copied(field.value()));
     }
     request.body = message.body();
     return request;
