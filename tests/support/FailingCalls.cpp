@@ -218,6 +218,11 @@ TK_REPLACES int open(const char* path, int flags, ...) {
     return Fails(Call::Open, EMFILE) ? -1 : hidden(path, flags, mode);
 }
 
+TK_REPLACES FILE* fopen(const char* path, const char* mode) {
+    TK_HIDDEN(fopen);
+    return Fails(Call::Open, EMFILE) ? nullptr : hidden(path, mode);
+}
+
 TK_REPLACES FILE* fopen64(const char* path, const char* mode) {
     TK_HIDDEN(fopen64);
     return Fails(Call::Open, EMFILE) ? nullptr : hidden(path, mode);
