@@ -16,7 +16,8 @@ namespace {
 using testing::Contains;
 using testing::StartsWith;
 
-constexpr char kWindowsEnd[] = R"(xdg_toplevel@\d+\.destroy)";
+// The library that prints the requests has changed its mind about what stands before a number.
+constexpr char kWindowsEnd[] = R"(xdg_toplevel[@#]\d+\.destroy)";
 
 class Wayland : public HelperTest {
 protected:
@@ -81,8 +82,8 @@ TEST_F(Wayland, ShowsItsWindowUntilTheResult) {
     ASSERT_NO_FATAL_FAILURE(LaunchOnWayland());
     m_server.ServeOnRelease("/waiting", {});
     Browse("/waiting", "/waiting");
-    EXPECT_TRUE(AwaitRequest(R"(xdg_toplevel@\d+\.set_title\("Velto Tunnelkeep Login"\))"));
-    EXPECT_TRUE(AwaitRequest(R"(xdg_surface@\d+\.set_window_geometry\(\d+, \d+, 1000, 6)"));
+    EXPECT_TRUE(AwaitRequest(R"(xdg_toplevel[@#]\d+\.set_title\("Velto Tunnelkeep Login"\))"));
+    EXPECT_TRUE(AwaitRequest(R"(xdg_surface[@#]\d+\.set_window_geometry\(\d+, \d+, 1000, 6)"));
     EXPECT_FALSE(HasSent(kWindowsEnd));
     m_server.Release("/waiting");
     EXPECT_EQ(NextResult(), "success");
