@@ -23,6 +23,7 @@
 #include <utility>
 
 #include "AppLog.h"
+#include "ExceptionText.h"
 #include "JsonIpcFrame.h"
 #include "JsonIpcFrameReader.h"
 #include "JsonIpcSendQueue.h"
@@ -158,7 +159,8 @@ bool CJsonIpcClient::createConnection() {
         m_connection = std::make_shared<Connection>();
         return true;
     } catch (const std::exception& error) {
-        TK_LOG_ERROR_OF(kConstructor, "Caught io service thread exception - %s", error.what());
+        TK_LOG_ERROR_OF(kConstructor, "Caught io service thread exception - %s",
+                        CExceptionText(error).Text());
         return false;
     }
 }
@@ -173,7 +175,8 @@ bool CJsonIpcClient::startIoServiceThread() {
             std::make_unique<boost::thread>(&CJsonIpcClient::ioServiceThread, this, m_connection);
         return true;
     } catch (const std::exception& error) {
-        TK_LOG_ERROR_OF(kConstructor, "Caught io service thread exception - %s", error.what());
+        TK_LOG_ERROR_OF(kConstructor, "Caught io service thread exception - %s",
+                        CExceptionText(error).Text());
         return false;
     }
 }
@@ -184,7 +187,8 @@ bool CJsonIpcClient::openSocket() {
         SendWithoutDelay(m_connection->socket);
         return true;
     } catch (const std::exception& error) {
-        TK_LOG_ERROR_OF(kConstructor, "Failed to open TCP socket - %s", error.what());
+        TK_LOG_ERROR_OF(kConstructor, "Failed to open TCP socket - %s",
+                        CExceptionText(error).Text());
         return false;
     }
 }
@@ -194,7 +198,8 @@ bool CJsonIpcClient::startConnecting() {
         initIpc();
         return true;
     } catch (const std::exception& error) {
-        TK_LOG_ERROR_OF(kConstructor, "Failed to start IPC connection - %s", error.what());
+        TK_LOG_ERROR_OF(kConstructor, "Failed to start IPC connection - %s",
+                        CExceptionText(error).Text());
         return false;
     }
 }
@@ -228,7 +233,8 @@ void CJsonIpcClient::joinIoThread() {
     } catch (const std::exception& error) {
         // Joining throws if a callback destroys this object, because the I/O thread cannot wait for
         // itself.
-        TK_LOG_ERROR_OF(kDestructor, "Caught io service thread exception - %s", error.what());
+        TK_LOG_ERROR_OF(kDestructor, "Caught io service thread exception - %s",
+                        CExceptionText(error).Text());
     }
     // The detached thread keeps the connection alive. Once its current handler has returned, it
     // does not touch this object any more.
@@ -244,7 +250,7 @@ void CJsonIpcClient::ioServiceThread(const std::shared_ptr<Connection>& connecti
             TK_LOG_ERROR("Caught io service thread exception - %s", error.message().c_str());
         }
     } catch (const std::exception& error) {
-        TK_LOG_ERROR("Caught io service thread exception - %s", error.what());
+        TK_LOG_ERROR("Caught io service thread exception - %s", CExceptionText(error).Text());
         // No handler will run any more. Without a report the owner would wait for ever.
         if (!connection->ioService.stopped()) {
             reportEndOfThread();
@@ -256,7 +262,8 @@ void CJsonIpcClient::reportEndOfThread() {
     try {
         reportEnd();
     } catch (const std::exception& error) {
-        TK_LOG_ERROR_OF("ioServiceThread", "Caught io service thread exception - %s", error.what());
+        TK_LOG_ERROR_OF("ioServiceThread", "Caught io service thread exception - %s",
+                        CExceptionText(error).Text());
     }
 }
 
