@@ -28,8 +28,8 @@ void CompileCatalog(const std::string& path, const std::string& source,
     const TemporaryFolder folder;
     const std::string errors = folder.Path("errors");
     std::filesystem::create_directories(std::filesystem::path(path).parent_path());
-    const std::string command = std::string("msgfmt --endianness=") + NameOf(byteOrder) + " -o '" +
-                                path + "' - 2>'" + errors + "'";
+    const std::string command = std::string(TK_MSGFMT " --endianness=") + NameOf(byteOrder) +
+                                " -o '" + path + "' - 2>'" + errors + "'";
     std::FILE* const compiler = popen(command.c_str(), "w");
     if (compiler == nullptr) {
         throw std::runtime_error("cannot run " + command);
