@@ -17,7 +17,12 @@ boost::property_tree::ptree ReadFlatJson(const std::string& json) {
 std::string WriteFlatJson(const boost::property_tree::ptree& tree) {
     std::ostringstream stream;
     boost::property_tree::write_json(stream, tree, false);
-    return stream.str();
+    std::string json = stream.str();
+    // Newer versions of Boost do not end the line.
+    if (json.empty() || json.back() != '\n') {
+        json += '\n';
+    }
+    return json;
 }
 
 std::string TextOf(const boost::property_tree::ptree& tree, const char* key) {
