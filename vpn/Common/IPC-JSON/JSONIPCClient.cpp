@@ -5,18 +5,18 @@
 #include <unistd.h>
 
 #include <array>
-#include <boost/asio/deadline_timer.hpp>
 #include <boost/asio/executor_work_guard.hpp>
-#include <boost/asio/io_service.hpp>
+#include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/post.hpp>
 #include <boost/asio/read.hpp>
+#include <boost/asio/steady_timer.hpp>
 #include <boost/asio/write.hpp>
 #include <boost/chrono/duration.hpp>
-#include <boost/date_time/posix_time/posix_time_duration.hpp>
 #include <boost/thread/thread.hpp>
 #include <cassert>
 #include <cerrno>
+#include <chrono>
 #include <exception>
 #include <new>
 #include <optional>
@@ -37,9 +37,9 @@ namespace {
 
 constexpr std::uint16_t kLowestPort = 1024;
 constexpr const char* kServerAddress = "127.0.0.1";
-constexpr long kConnectTimeoutSeconds = 10;
-constexpr long kSendTimeoutSeconds = 1;
-constexpr long kJoinTimeoutSeconds = 1;
+constexpr std::chrono::seconds kConnectTimeout{10};
+constexpr std::chrono::seconds kSendTimeout{1};
+constexpr boost::chrono::seconds kJoinTimeout{1};
 
 // The functions under whose names the steps of the start and of the end log.
 constexpr const char* kConstructor = "CJsonIpcClient";
@@ -107,20 +107,20 @@ struct CJsonIpcClient::Connection {
     };
 
     CStartGate gate;
-    boost::asio::io_service ioService;
-    boost::asio::executor_work_guard<boost::asio::io_service::executor_type> work{
+    boost::asio::io_context ioService;
+    boost::asio::executor_work_guard<boost::asio::io_context::executor_type> work{
         ioService.get_executor()};
     tcp::socket socket{ioService};
     tcp::endpoint endpoint;
     Phase phase = Phase::unconnected;
-    boost::asio::deadline_timer connectTimer{ioService};
+    boost::asio::steady_timer connectTimer{ioService};
 
     std::array<char, kMaximumPayloadLength> buffer{};
     CJsonIpcFrameReader reader{kMaximumPayloadLength};
 
     CJsonIpcSendQueue sends;
     /// The timer of the message that is being written. Each message has a new timer.
-    std::optional<boost::asio::deadline_timer> sendTimer;
+    std::optional<boost::asio::steady_timer> sendTimer;
 
     [[nodiscard]] bool onIoThread() { return ioService.get_executor().running_in_this_thread(); }
 };
@@ -225,7 +225,7 @@ void CJsonIpcClient::shutdown() {
 
 void CJsonIpcClient::joinIoThread() {
     try {
-        if (m_ioThread->try_join_for(boost::chrono::seconds(kJoinTimeoutSeconds))) {
+        if (m_ioThread->try_join_for(kJoinTimeout)) {
             TK_LOG_INFORMATION_OF(kDestructor, "Successfully stopped io service thread");
             return;
         }
@@ -244,11 +244,7 @@ void CJsonIpcClient::joinIoThread() {
 void CJsonIpcClient::ioServiceThread(const std::shared_ptr<Connection>& connection) {
     connection->gate.Wait();
     try {
-        error_code error;
-        connection->ioService.run(error);
-        if (error) {
-            TK_LOG_ERROR("Caught io service thread exception - %s", error.message().c_str());
-        }
+        connection->ioService.run();
     } catch (const std::exception& error) {
         TK_LOG_ERROR("Caught io service thread exception - %s", CExceptionText(error).Text());
         // No handler will run any more. Without a report the owner would wait for ever.
@@ -281,7 +277,7 @@ void CJsonIpcClient::initIpc() {
     TK_LOG_INFORMATION("Initiating IPC connection to %s:%u...",
                        connection.endpoint.address().to_string().c_str(),
                        static_cast<unsigned>(connection.endpoint.port()));
-    connection.connectTimer.expires_from_now(boost::posix_time::seconds(kConnectTimeoutSeconds));
+    connection.connectTimer.expires_after(kConnectTimeout);
     connection.connectTimer.async_wait(
         [this](const error_code& error) { handleConnectTimeout(error); });
     connection.phase = Connection::Phase::connecting;
@@ -374,7 +370,7 @@ void CJsonIpcClient::sendMessage(std::uint32_t messageId, const std::string& pay
 
 bool CJsonIpcClient::postMessage(std::uint32_t messageId, const std::string& payload) try {
     // The message's effects can destroy this object before this call returns. The copy keeps the
-    // io_service alive.
+    // io_context alive.
     const std::shared_ptr<Connection> connection = m_connection;
     if (connection == nullptr) {
         return true;
@@ -411,8 +407,7 @@ void CJsonIpcClient::startNextSend() {
 
 void CJsonIpcClient::armSendTimer(const Send& send) {
     Connection& connection = *m_connection;
-    connection.sendTimer.emplace(connection.ioService,
-                                 boost::posix_time::seconds(kSendTimeoutSeconds));
+    connection.sendTimer.emplace(connection.ioService, kSendTimeout);
     connection.sendTimer->async_wait(
         [this, send](const error_code& error) { handleSendTimeout(error, send); });
 }

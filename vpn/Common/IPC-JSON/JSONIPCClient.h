@@ -20,7 +20,7 @@ class CJsonIpcSend;
 ///
 /// Threads: the owner's thread constructs and destroys the client, and opens its gate.
 /// sendMessage() may be called on any thread. Every handler and every callback runs on the I/O
-/// thread. Posting to the io_service is the only synchronisation.
+/// thread. Posting to the io_context is the only synchronisation.
 ///
 /// Callbacks are virtual, so none may come before the derived object is complete. The most derived
 /// constructor must call openGate() last: until then the I/O thread runs no handler. The most
