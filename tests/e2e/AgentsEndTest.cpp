@@ -1,12 +1,17 @@
 // How the program ends when its agent goes away, whatever it is doing.
 
+#include <netinet/in.h>
 #include <sys/socket.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <functional>
 
 #include "HelperTest.h"
 #include "ProcessFamily.h"
+#include "UniqueFd.h"
 #include "WaitUntil.h"
 #include "Waiting.h"
 
@@ -194,8 +199,11 @@ protected:
         ASSERT_EQ(
             setsockopt(m_agent.Descriptor(), SOL_SOCKET, SO_RCVBUF, &smallest, sizeof smallest), 0);
         ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
-        m_server.ServePage("/page",
-                           "<script>document.cookie = 'sid=' + 'x'.repeat(8 << 20)</script>");
+        ASSERT_EQ(setsockopt(HelpersEnd().Get(), SOL_SOCKET, SO_SNDBUF, &smallest, sizeof smallest),
+                  0);
+        // No larger cookie is kept by every engine. A record has each backslash twice.
+        m_server.Serve("/page",
+                       {200, "", "text/html", {{"Set-Cookie", "sid=" + std::string(4000, '\\')}}});
         Send(OperationText({{"operation", "browse_for_cookie"},
                             {"url", m_server.Url("/page")},
                             {"final_url", m_server.Url("/page")},
@@ -203,6 +211,23 @@ protected:
         // The first of its bytes have come. Once every thread sleeps, the last have no room.
         ASSERT_TRUE(WaitReadable({Connection().Descriptor()}, DeadlineIn(kTestDeadline)));
         ASSERT_TRUE(PollUntil([this] { return IsAsleep(m_helper.Pid()); }));
+    }
+
+    /// The program's end of the connection, as a descriptor of this process.
+    [[nodiscard]] CUniqueFd HelpersEnd() const {
+        const CUniqueFd process(static_cast<int>(syscall(SYS_pidfd_open, m_helper.Pid(), 0)));
+        const std::string folder = "/proc/" + std::to_string(m_helper.Pid()) + "/fd";
+        for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+            const int number = std::stoi(entry.path().filename());
+            CUniqueFd end(static_cast<int>(syscall(SYS_pidfd_getfd, process.Get(), number, 0)));
+            sockaddr_in peer{};
+            socklen_t size = sizeof peer;
+            if (getpeername(end.Get(), reinterpret_cast<sockaddr*>(&peer), &size) == 0 &&
+                peer.sin_family == AF_INET && peer.sin_port == htons(m_agent.Port())) {
+                return end;
+            }
+        }
+        return CUniqueFd();
     }
 
     /// The write that has no room and the read find the reset together, in this order.
