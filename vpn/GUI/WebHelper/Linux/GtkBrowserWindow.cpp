@@ -68,6 +68,17 @@ std::string TextOf(const char* text) {
     return text != nullptr ? text : "";
 }
 
+// From version 2.26 on, engines choose their processes themselves, and only print that this call
+// has no effect.
+void ShareOneWebProcess(WebKitWebContext* context) {
+    if (webkit_get_major_version() > 2 || webkit_get_minor_version() >= 26) {
+        return;
+    }
+    G_GNUC_BEGIN_IGNORE_DEPRECATIONS
+    webkit_web_context_set_process_model(context, WEBKIT_PROCESS_MODEL_SHARED_SECONDARY_PROCESS);
+    G_GNUC_END_IGNORE_DEPRECATIONS
+}
+
 // Empty for a view without a page.
 std::string UriOf(WebKitWebView* webView) {
     return TextOf(webkit_web_view_get_uri(webView));
@@ -380,12 +391,7 @@ void GtkBrowserWindow::init(GtkApplication* application) {
     ConnectAccelerators(m_parts->acceleratorGroup.get());
     g_signal_connect(window, "delete-event", G_CALLBACK(Callbacks::onDeleteEvent), this);
     m_parts->webContext.reset(NewWebContext());
-    // Newer engines choose their processes themselves and deprecate this call. Older engines obey
-    // it.
-    G_GNUC_BEGIN_IGNORE_DEPRECATIONS
-    webkit_web_context_set_process_model(m_parts->webContext.get(),
-                                         WEBKIT_PROCESS_MODEL_SHARED_SECONDARY_PROCESS);
-    G_GNUC_END_IGNORE_DEPRECATIONS
+    ShareOneWebProcess(m_parts->webContext.get());
     ConfineWebProcesses(m_parts->webContext.get());
     // Only the server itself may answer: what a cache answers says nothing about a session of now.
     webkit_web_context_set_cache_model(m_parts->webContext.get(),
