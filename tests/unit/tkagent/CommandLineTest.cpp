@@ -5,12 +5,14 @@
 
 namespace {
 
+using testing::AnyOf;
 using testing::HasSubstr;
 
-void ExpectRefused(const std::vector<std::string>& arguments, const std::string& line) {
+void ExpectRefused(const std::vector<std::string>& arguments,
+                   const testing::Matcher<std::string>& line) {
     const ProgramRun run = RunTkAgent(arguments);
     EXPECT_EQ(run.end, "exited with status 2");
-    EXPECT_EQ(run.errors, line);
+    EXPECT_THAT(run.errors, line);
     EXPECT_EQ(run.output, "");
 }
 
@@ -24,8 +26,10 @@ TEST(CommandLine, RefusesAnUnknownOption) {
 }
 
 TEST(CommandLine, RefusesATimeoutOfZero) {
+    // As older and as newer versions of the library say it.
     ExpectRefused({"run", "--timeout", "0"},
-                  "tkagent: --timeout: Value 0 not in range 1 to 86400 (try --help)\n");
+                  AnyOf("tkagent: --timeout: Value 0 not in range 1 to 86400 (try --help)\n",
+                        "tkagent: --timeout: Value 0 not in range [1 - 86400] (try --help)\n"));
 }
 
 TEST(CommandLine, RefusesATimeoutThatIsNoNumber) {
@@ -68,8 +72,9 @@ TEST(CommandLine, TellsItsVersion) {
 TEST(CommandLine, LooksForTheHelperBesideItself) {
     const std::string program = TKAGENT_PATH;
     const ProgramRun run = RunTkAgent({"run", "--help"});
-    EXPECT_THAT(run.output,
-                HasSubstr("=" + program.substr(0, program.rfind('/')) + "/tkwebhelper\n"));
+    const std::string helper = program.substr(0, program.rfind('/')) + "/tkwebhelper";
+    // As older and as newer versions of the library say it.
+    EXPECT_THAT(run.output, AnyOf(HasSubstr("=" + helper + "\n"), HasSubstr("[" + helper + "]")));
 }
 
 TEST(CommandLine, ReportsAHelperThatCannotBeStarted) {
