@@ -9,7 +9,7 @@ from gi.repository import Atspi
 
 
 def print_tree(accessible):
-    text = accessible.get_text(0, -1) if "Text" in accessible.get_interfaces() else ""
+    text = Atspi.Text.get_text(accessible, 0, -1) if "Text" in accessible.get_interfaces() else ""
     print(accessible.get_role_name(), accessible.get_name(), text, sep="|")
     for index in range(accessible.get_child_count()):
         print_tree(accessible.get_child_at_index(index))
