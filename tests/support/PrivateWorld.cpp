@@ -17,6 +17,7 @@
 #include <iterator>
 #include <sstream>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "ProgramRestart.h"
@@ -58,9 +59,11 @@ void BindReadOnly(const fs::path& source, const fs::path& folder) {
     struct statvfs disk {};
     Check(statvfs(folder.c_str(), &disk) == 0, "look at " + folder.string());
     unsigned long flags = MS_REMOUNT | MS_BIND | MS_RDONLY;
-    flags |= (disk.f_flag & ST_NOSUID) != 0 ? MS_NOSUID : 0;
-    flags |= (disk.f_flag & ST_NODEV) != 0 ? MS_NODEV : 0;
-    flags |= (disk.f_flag & ST_NOEXEC) != 0 ? MS_NOEXEC : 0;
+    const std::pair<unsigned long, unsigned long> kept[] = {
+        {ST_NOSUID, MS_NOSUID}, {ST_NODEV, MS_NODEV}, {ST_NOEXEC, MS_NOEXEC}};
+    for (const auto& [ofDisk, ofMount] : kept) {
+        flags |= (disk.f_flag & ofDisk) != 0 ? ofMount : 0;
+    }
     Check(mount(nullptr, folder.c_str(), nullptr, flags, nullptr) == 0,
           "make read-only " + folder.string());
 }
