@@ -1,5 +1,7 @@
 // What the environment may ask of the program, and what it may not.
 
+#include <fcntl.h>
+
 #include <filesystem>
 #include <set>
 #include <string>
@@ -9,6 +11,7 @@
 #include "HttpServer.h"
 #include "ProcessFamily.h"
 #include "TemporaryFolder.h"
+#include "UniqueFd.h"
 
 namespace {
 
@@ -58,4 +61,16 @@ TEST_F(EnvironmentOfTheProgram, MayAskForOldTls) {
     ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady({{"G_TLS_GNUTLS_PRIORITY", "NORMAL:%COMPAT"}}));
     Load(outdated);
     EXPECT_EQ(NextResult(), "success");
+}
+
+// On its error stream.
+TEST_F(EnvironmentOfTheProgram, IsSparedWarningsOfDeprecatedFunctions) {
+    const TemporaryFolder folder;
+    const std::string errors = folder.Path("errors");
+    const CUniqueFd stream(open(errors.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR));
+    m_errorStream = stream.Get();
+    ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
+    Reset();
+    EXPECT_EQ(Terminate(), "exited with status 0");
+    EXPECT_THAT(ReadFile(errors), Not(HasSubstr("deprecated")));
 }
