@@ -5,7 +5,9 @@
 #include <CLI/Formatter.hpp>
 #include <filesystem>
 #include <istream>
+#include <memory>
 #include <ostream>
+#include <utility>
 
 #include "Demo.h"
 #include "OperationRunner.h"
@@ -30,6 +32,18 @@ struct CommandLine {
     bool noWait = false;
     std::string helperPath;
     unsigned timeoutSeconds = 600;
+};
+
+// The help, and below it the exit statuses a line each. Newer versions of the library would fill
+// the lines of a footer.
+class HelpWithExitStatuses : public CLI::Formatter {
+public:
+    std::string make_help(const CLI::App* app, std::string name,
+                          CLI::AppFormatMode mode) const override {
+        std::string help = CLI::Formatter::make_help(app, std::move(name), mode);
+        help.erase(help.find_last_not_of(" \n") + 1);
+        return help + "\n\n" + kExitStatuses + "\n";
+    }
 };
 
 // The helper is built and installed beside this program.
@@ -111,7 +125,7 @@ AgentStatus RunCommandLine(int argc, const char* const* argv, std::istream& inpu
     CLI::App app("A stand-in agent: starts the browser helper and speaks with it.", "tkagent");
     app.set_version_flag("--version", "tkagent " TK_VERSION, "Print the version and exit");
     app.require_subcommand(1);
-    app.footer(kExitStatuses);
+    app.formatter(std::make_shared<HelpWithExitStatuses>());
     app.failure_message(OneLine);
     const CLI::App* const demo = AddDemo(app, values);
     AddRun(app, values);

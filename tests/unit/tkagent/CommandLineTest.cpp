@@ -47,18 +47,19 @@ TEST(CommandLine, RefusesACommandAtTheFormForAPerson) {
 TEST(CommandLine, HelpTellsTheExitStatuses) {
     const ProgramRun run = RunTkAgent({"--help"});
     EXPECT_EQ(run.end, "exited with status 0");
-    EXPECT_THAT(run.output, HasSubstr("4  the helper ended by itself"));
+    EXPECT_THAT(run.output, HasSubstr("\n\nExit status:\n  0  every result came"));
+    EXPECT_THAT(run.output, HasSubstr("\n  4  the helper ended by itself"));
     EXPECT_EQ(run.errors, "");
 }
 
 TEST(CommandLine, EachCommandHasAHelpOfItsOwn) {
     const ProgramRun demo = RunTkAgent({"demo", "--help"});
     EXPECT_EQ(demo.end, "exited with status 0");
-    EXPECT_THAT(demo.output, HasSubstr("Usage: tkagent demo [OPTIONS]\n"));
+    EXPECT_THAT(demo.output, HasSubstr("tkagent demo [OPTIONS]\n"));
     EXPECT_THAT(demo.output, HasSubstr("  --unattended "));
     const ProgramRun run = RunTkAgent({"run", "--help"});
     EXPECT_EQ(run.end, "exited with status 0");
-    EXPECT_THAT(run.output, HasSubstr("Usage: tkagent run [OPTIONS]\n"));
+    EXPECT_THAT(run.output, HasSubstr("tkagent run [OPTIONS]\n"));
     EXPECT_THAT(run.output, HasSubstr("  --no-wait "));
 }
 
