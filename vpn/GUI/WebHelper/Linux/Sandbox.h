@@ -11,7 +11,7 @@ void BeginSandboxProbe();
 /// nobody has. Main thread.
 void ConfineWebProcesses(WebKitWebContext* context);
 
-/// Removes the notes that the engine writes of each sandbox and leaves in the user's runtime folder,
-/// or in the cache folder if there is none. To be called when no web process starts any more. Main
-/// thread.
+/// Removes the notes that the engine writes of each sandbox and leaves in the user's runtime
+/// folder, or in the cache folder if there is none. To be called when no web process starts any
+/// more. Main thread.
 void RemoveSandboxNotes();
