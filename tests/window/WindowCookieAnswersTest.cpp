@@ -89,9 +89,10 @@ protected:
         CallBack(queries.at(query));
     }
 
-    // Awaits the only query and answers it. The store is empty again for the next operation.
+    // Awaits a query and answers the first; the answer ends the operation, and with it the query of
+    // a final page that has come at the same time. The store is empty again for the next operation.
     void AnswerNext(const Cookies& cookies) {
-        ASSERT_TRUE(RunMainLoopUntil([] { return queries.size() == 1; }));
+        ASSERT_TRUE(RunMainLoopUntil([] { return !queries.empty(); }));
         Answer(cookies);
         queries.clear();
         answerCookies.clear();
