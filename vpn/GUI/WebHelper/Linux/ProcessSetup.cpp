@@ -18,6 +18,9 @@
 
 namespace {
 
+constexpr char kDeviceVariable[] = "WEBKIT_WEB_RENDER_DEVICE_FILE";
+constexpr char kNoDevice[] = "/dev/null";
+
 gboolean signalCB(gpointer application) {
     TK_LOG_INFORMATION("Asked to end by a signal, exiting...");
     QuitApplication(GTK_APPLICATION(application));
@@ -80,7 +83,15 @@ void DoWithoutGraphicsDriver() {
     setenv("WEBKIT_DISABLE_DMABUF_RENDERER", "1", 1);
     // If nobody sets this, the engine asks the driver for the device with which pages may draw.
     // With no device, pages draw with what the driver in their own process offers.
-    setenv("WEBKIT_WEB_RENDER_DEVICE_FILE", "/dev/null", 0);
+    setenv(kDeviceVariable, kNoDevice, 0);
+}
+
+void LetEngineReadDesktopSettings() {
+    const char* const device = getenv(kDeviceVariable);
+    if (device != nullptr && std::strcmp(device, kNoDevice) == 0) {
+        // Other threads may read the environment meanwhile. This moves its entries and frees none.
+        unsetenv(kDeviceVariable);
+    }
 }
 
 void DoWithoutPortal() {

@@ -18,6 +18,13 @@ void KeepOthersOut();
 /// alone. Must be called first of all, while there is one thread.
 void DoWithoutGraphicsDriver();
 
+/// Lets pages know the desktop's settings (dark colours, reduced motion, fonts) where they are not
+/// in the engine's sandbox. The engine reads these settings when it first looks at the display. To
+/// set up a sandbox it looks; otherwise it looks only when it asks the graphics driver for the
+/// device, so this takes that part of DoWithoutGraphicsDriver() back. Must be called before the
+/// first page. Main thread.
+void LetEngineReadDesktopSettings();
+
 /// Keeps the libraries of a confined web process from asking the desktop's portal, which could keep
 /// the page waiting for half a minute. Must be called first of all, while there is one thread.
 void DoWithoutPortal();

@@ -12,6 +12,7 @@
 #include "AppLog.h"
 #include "FolderEntries.h"
 #include "MainThread.h"
+#include "ProcessSetup.h"
 #include "SandboxProbe.h"
 
 namespace {
@@ -39,12 +40,14 @@ void BeginSandboxProbe() {
 void ConfineWebProcesses(WebKitWebContext* context) {
     assert(IsMainThread());
     if (IsTurnedOff()) {
+        LetEngineReadDesktopSettings();
         return;
     }
     const std::string& obstacle = TheProbe().Obstacle();
     if (!obstacle.empty()) {
         TK_LOG_WARNING_OF("init", "Pages are not confined, the engine's sandbox does not work: %s",
                           obstacle.c_str());
+        LetEngineReadDesktopSettings();
         return;
     }
     webkit_web_context_set_sandbox_enabled(context, TRUE);
