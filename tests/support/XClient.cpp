@@ -187,6 +187,22 @@ void XClient::Press(const std::vector<std::uint32_t>& keys, ShiftKey shift) {
     Synchronise();
 }
 
+void XClient::PressAndClick(std::uint32_t key, MouseButton button) {
+    const std::uint8_t code = m_keyboard->Find(key).code;
+    FakeInput(XCB_KEY_PRESS, code);
+    FakeInput(XCB_BUTTON_PRESS, static_cast<std::uint8_t>(button));
+    FakeInput(XCB_BUTTON_RELEASE, static_cast<std::uint8_t>(button));
+    FakeInput(XCB_KEY_RELEASE, code);
+    Synchronise();
+}
+
+void XClient::MakeKey(std::uint32_t before, std::uint32_t after) {
+    const xcb_keysym_t symbols[] = {after, after};
+    xcb_change_keyboard_mapping(m_connection.get(), 1, m_keyboard->Find(before).code, 2, symbols);
+    Synchronise();
+    m_keyboard = std::make_unique<Keyboard>(m_connection.get());
+}
+
 void XClient::Type(const std::string& text) {
     for (const char character : text) {
         // The keysym of a printable ASCII character is its code.

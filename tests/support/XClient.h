@@ -27,7 +27,14 @@ bool operator==(const XGeometry& left, const XGeometry& right);
 /// Lock the keypad's symbols are there as well.
 enum class ShiftKey : std::uint8_t { AsNeeded, Never };
 
-enum class MouseButton : std::uint8_t { Left = 1, Middle = 2, Right = 3 };
+/// A notch of the wheel is a click of a button, too.
+enum class MouseButton : std::uint8_t {
+    Left = 1,
+    Middle = 2,
+    Right = 3,
+    WheelUp = 4,
+    WheelDown = 5,
+};
 
 /// What a person at the screen can see and do, through its own connection to the X server. A window
 /// that is gone counts as unmapped, untitled and empty. For one thread.
@@ -61,6 +68,12 @@ public:
     /// Presses the keys in this order and lets them go in the opposite one. Keys are X keysyms. A
     /// key that the keyboard does not have throws std::runtime_error.
     void Press(const std::vector<std::uint32_t>& keys, ShiftKey shift = ShiftKey::AsNeeded);
+
+    /// The same with a click between the two, wherever the pointer is.
+    void PressAndClick(std::uint32_t key, MouseButton button);
+
+    /// Gives the key of one symbol another one, for every program of the display.
+    void MakeKey(std::uint32_t before, std::uint32_t after);
 
     /// Types a text of ASCII letters, digits and signs.
     void Type(const std::string& text);

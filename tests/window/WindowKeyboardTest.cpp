@@ -41,6 +41,14 @@ TEST_F(WindowKeyboardTest, ControlRReloads) {
     EXPECT_THAT(Results(), IsEmpty());
 }
 
+TEST_F(WindowKeyboardTest, F5Reloads) {
+    ShowAndFocus("/page");
+    m_screen.Press({GDK_KEY_F5});
+    ASSERT_TRUE(m_loads.WaitFor("FINISHED " + m_server.Url("/page"), 2));
+    EXPECT_THAT(m_server.RequestLines(), ElementsAre("GET /page", "GET /page"));
+    EXPECT_THAT(Results(), IsEmpty());
+}
+
 TEST_F(WindowKeyboardTest, AltLeftGoesBack) {
     ShowPage("/page");
     ShowAndFocus("/next");
@@ -48,6 +56,25 @@ TEST_F(WindowKeyboardTest, AltLeftGoesBack) {
     ASSERT_TRUE(m_loads.WaitFor("FINISHED " + m_server.Url("/page"), 2));
     EXPECT_STREQ(webkit_web_view_get_uri(View()), m_server.Url("/page").c_str());
     EXPECT_THAT(Results(), IsEmpty());
+}
+
+TEST_F(WindowKeyboardTest, AltRightGoesForwardAgain) {
+    ShowPage("/page");
+    ShowAndFocus("/next");
+    m_screen.Press({GDK_KEY_Alt_L, GDK_KEY_Left});
+    ASSERT_TRUE(m_loads.WaitFor("FINISHED " + m_server.Url("/page"), 2));
+    m_screen.Press({GDK_KEY_Alt_L, GDK_KEY_Right});
+    ASSERT_TRUE(m_loads.WaitFor("FINISHED " + m_server.Url("/next"), 2));
+    EXPECT_STREQ(webkit_web_view_get_uri(View()), m_server.Url("/next").c_str());
+    EXPECT_THAT(Results(), IsEmpty());
+}
+
+TEST_F(WindowKeyboardTest, AltRightStaysWhereThereIsNothingAhead) {
+    ShowAndFocus("/page");
+    m_screen.Press({GDK_KEY_Alt_L, GDK_KEY_Right});
+    PressWithControl(GDK_KEY_r);
+    ASSERT_TRUE(m_loads.WaitFor("FINISHED " + m_server.Url("/page"), 2));
+    EXPECT_THAT(m_server.RequestLines(), ElementsAre("GET /page", "GET /page"));
 }
 
 TEST_F(WindowKeyboardTest, AltLeftStaysWhereThereIsNothingBehind) {
@@ -86,6 +113,42 @@ TEST_F(WindowKeyboardTest, ControlZeroTakesTheZoomAway) {
     PressWithControl(GDK_KEY_0);
     ASSERT_TRUE(WaitForZoomLevels(4));
     EXPECT_THAT(m_zoomLevels, Pointwise(IsCloseTo(), Powers({1, 2, 3, 0})));
+}
+
+// The key has the sign together with Shift, as on American keyboards.
+TEST_F(WindowKeyboardTest, ControlPlusZoomsIn) {
+    ShowAndFocus("/page");
+    PressWithControl(GDK_KEY_plus, 2);
+    ASSERT_TRUE(WaitForZoomLevels(2));
+    EXPECT_THAT(m_zoomLevels, Pointwise(IsCloseTo(), Powers({1, 2})));
+}
+
+// The sign has a key of its own, as on German keyboards.
+TEST_F(WindowKeyboardTest, ControlPlusZoomsInOnAKeyboardWhereItNeedsNoShift) {
+    m_screen.MakeKey(GDK_KEY_bracketright, GDK_KEY_plus);
+    ShowAndFocus("/page");
+    PressWithControl(GDK_KEY_plus, 2);
+    ASSERT_TRUE(WaitForZoomLevels(2));
+    m_screen.MakeKey(GDK_KEY_plus, GDK_KEY_bracketright);
+    EXPECT_THAT(m_zoomLevels, Pointwise(IsCloseTo(), Powers({1, 2})));
+}
+
+TEST_F(WindowKeyboardTest, ControlAndTheWheelZoom) {
+    ShowAndFocus("/page");
+    m_screen.MovePointer(OnScreen(), 500, 300);
+    m_screen.PressAndClick(GDK_KEY_Control_L, MouseButton::WheelUp);
+    m_screen.PressAndClick(GDK_KEY_Control_L, MouseButton::WheelUp);
+    m_screen.PressAndClick(GDK_KEY_Control_L, MouseButton::WheelDown);
+    ASSERT_TRUE(WaitForZoomLevels(3));
+    EXPECT_THAT(m_zoomLevels, Pointwise(IsCloseTo(), Powers({1, 2, 1})));
+}
+
+TEST_F(WindowKeyboardTest, TheWheelAloneScrollsThePage) {
+    m_server.ServePage("/long", "<body style='height: 5000px' onscroll='fetch(\"/scrolled\")'>");
+    ShowAndFocus("/long");
+    m_screen.Click(OnScreen(), 500, 300, MouseButton::WheelDown);
+    ASSERT_TRUE(WaitForRequest("/scrolled"));
+    EXPECT_THAT(m_zoomLevels, IsEmpty());
 }
 
 TEST_F(WindowKeyboardTest, TheKeypadZoomsTheSameWay) {

@@ -2,11 +2,9 @@
 
 #include <webkit2/webkit2.h>
 
-namespace {
+#include "Zoom.h"
 
-constexpr double kZoomFactor = 1.1;
-constexpr double kHighestZoom = 5.0;
-constexpr double kLowestZoom = 0.25;
+namespace {
 
 WebKitWebView* WebViewOf(GObject* window) {
     return WEBKIT_WEB_VIEW(gtk_bin_get_child(GTK_BIN(window)));
@@ -27,29 +25,26 @@ gboolean goBackCB(GtkAccelGroup* /*group*/, GObject* window) {
     return TRUE;
 }
 
-// A step that would leave the range is ignored, not clamped. The levels therefore stay powers of
-// the factor, and zooming back passes through the same levels.
+gboolean goForwardCB(GtkAccelGroup* /*group*/, GObject* window) {
+    WebKitWebView* const webView = WebViewOf(window);
+    if (webkit_web_view_can_go_forward(webView)) {
+        webkit_web_view_go_forward(webView);
+    }
+    return TRUE;
+}
 
 gboolean zoomInCB(GtkAccelGroup* /*group*/, GObject* window) {
-    WebKitWebView* const webView = WebViewOf(window);
-    const double level = webkit_web_view_get_zoom_level(webView) * kZoomFactor;
-    if (level <= kHighestZoom) {
-        webkit_web_view_set_zoom_level(webView, level);
-    }
+    ZoomIn(WebViewOf(window));
     return TRUE;
 }
 
 gboolean zoomOutCB(GtkAccelGroup* /*group*/, GObject* window) {
-    WebKitWebView* const webView = WebViewOf(window);
-    const double level = webkit_web_view_get_zoom_level(webView) / kZoomFactor;
-    if (level >= kLowestZoom) {
-        webkit_web_view_set_zoom_level(webView, level);
-    }
+    ZoomOut(WebViewOf(window));
     return TRUE;
 }
 
 gboolean resetZoomCB(GtkAccelGroup* /*group*/, GObject* window) {
-    webkit_web_view_set_zoom_level(WebViewOf(window), 1.0);
+    ResetZoom(WebViewOf(window));
     return TRUE;
 }
 
@@ -59,10 +54,14 @@ struct Accelerator {
     gboolean (*action)(GtkAccelGroup*, GObject*);
 };
 
+constexpr auto kNoModifier = static_cast<GdkModifierType>(0);
 constexpr Accelerator kAccelerators[] = {
     {GDK_KEY_r, GDK_CONTROL_MASK, reloadCB},
+    {GDK_KEY_F5, kNoModifier, reloadCB},
     {GDK_KEY_Left, GDK_MOD1_MASK, goBackCB},
+    {GDK_KEY_Right, GDK_MOD1_MASK, goForwardCB},
     {GDK_KEY_equal, GDK_CONTROL_MASK, zoomInCB},
+    {GDK_KEY_plus, GDK_CONTROL_MASK, zoomInCB},
     {GDK_KEY_KP_Add, GDK_CONTROL_MASK, zoomInCB},
     {GDK_KEY_minus, GDK_CONTROL_MASK, zoomOutCB},
     {GDK_KEY_KP_Subtract, GDK_CONTROL_MASK, zoomOutCB},

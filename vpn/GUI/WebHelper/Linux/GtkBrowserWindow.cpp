@@ -31,6 +31,7 @@
 #include "TlsErrorText.h"
 #include "UserAgent.h"
 #include "WebsiteData.h"
+#include "WheelZoom.h"
 
 namespace {
 
@@ -155,7 +156,8 @@ struct GtkBrowserWindow::MainThreadParts {
     WebKitCookieManager* cookieManager = nullptr;
     std::optional<CCookieStore> cookieStore;
     GObjectPtr<GtkAccelGroup> acceleratorGroup;
-    std::unique_ptr<CPageGuard> pageGuard;
+    std::optional<CPageGuard> pageGuard;
+    std::optional<CWheelZoom> wheelZoom;
     OperationPort port;
     CPageOperation operation;
     COperationJournal journal;
@@ -419,7 +421,8 @@ void GtkBrowserWindow::initWebView() {
     GtkWidget* const widget = webkit_web_view_new_with_context(m_parts->webContext.get());
     m_parts->webView.reset(WEBKIT_WEB_VIEW(g_object_ref_sink(widget)));
     connectWebViewSignals();
-    m_parts->pageGuard = std::make_unique<CPageGuard>(m_parts->webView.get());
+    m_parts->pageGuard.emplace(m_parts->webView.get());
+    m_parts->wheelZoom.emplace(m_parts->webView.get());
     gtk_drag_dest_unset(widget);
     GtkWindow* const window = GTK_WINDOW(m_parts->window.get());
     gtk_container_add(GTK_CONTAINER(window), widget);
@@ -455,6 +458,7 @@ void GtkBrowserWindow::removeWebView() {
     webkit_web_view_stop_loading(m_parts->webView.get());
     g_signal_handlers_disconnect_by_data(m_parts->webView.get(), this);
     RemoveSource(m_parts->loadStoppedSource);
+    m_parts->wheelZoom.reset();
     m_parts->pageGuard.reset();
     m_parts->operation.OnViewReplaced();
     m_parts->loadAfterRemoval.reset();
