@@ -23,6 +23,7 @@
 #include "MainThread.h"
 #include "MsgCatalog.h"
 #include "OperationJournal.h"
+#include "PageCurtain.h"
 #include "PageGuard.h"
 #include "PageOperation.h"
 #include "PageSettings.h"
@@ -157,6 +158,7 @@ struct GtkBrowserWindow::MainThreadParts {
     std::optional<CCookieStore> cookieStore;
     GObjectPtr<GtkAccelGroup> acceleratorGroup;
     std::optional<CPageGuard> pageGuard;
+    std::optional<CPageCurtain> pageCurtain;
     std::optional<CWheelZoom> wheelZoom;
     OperationPort port;
     CPageOperation operation;
@@ -220,9 +222,15 @@ struct GtkBrowserWindow::Callbacks {
                 operation.OnLoadStarted();
                 break;
             case WEBKIT_LOAD_COMMITTED:
+                if (!operation.IsPageToCome()) {
+                    self->m_parts->pageCurtain->OpenWhenDrawn();
+                }
                 operation.OnPageCommitted(StatusOfPage(webView), UriOf(webView));
                 break;
             case WEBKIT_LOAD_FINISHED:
+                if (!operation.IsPageToCome()) {
+                    self->m_parts->pageCurtain->OpenSoon();
+                }
                 operation.OnPageFinished(UriOf(webView));
                 break;
             default:
@@ -422,6 +430,7 @@ void GtkBrowserWindow::initWebView() {
     m_parts->webView.reset(WEBKIT_WEB_VIEW(g_object_ref_sink(widget)));
     connectWebViewSignals();
     m_parts->pageGuard.emplace(m_parts->webView.get());
+    m_parts->pageCurtain.emplace(m_parts->webView.get());
     m_parts->wheelZoom.emplace(m_parts->webView.get());
     gtk_drag_dest_unset(widget);
     GtkWindow* const window = GTK_WINDOW(m_parts->window.get());
@@ -459,10 +468,12 @@ void GtkBrowserWindow::removeWebView() {
     g_signal_handlers_disconnect_by_data(m_parts->webView.get(), this);
     RemoveSource(m_parts->loadStoppedSource);
     m_parts->wheelZoom.reset();
+    m_parts->pageCurtain.reset();
     m_parts->pageGuard.reset();
     m_parts->operation.OnViewReplaced();
     m_parts->loadAfterRemoval.reset();
-    gtk_container_remove(GTK_CONTAINER(m_parts->window.get()), GTK_WIDGET(m_parts->webView.get()));
+    // Also while a call to its page, which holds a reference, is not answered.
+    gtk_widget_destroy(GTK_WIDGET(m_parts->webView.get()));
     m_parts->webView.reset();
 }
 
@@ -514,6 +525,7 @@ void GtkBrowserWindow::LoadPage(const std::string& url, const std::string& final
     if (!userAgent.empty()) {
         updateUserAgent(userAgent);
     }
+    m_parts->pageCurtain->Close();
     m_parts->operation.Begin(url, finalUrl, {cookieName, errorCookieName});
     if (timeout != 0) {
         // The timeout of an operation that was replaced is not removed. It still fires, and ends
@@ -537,6 +549,8 @@ void GtkBrowserWindow::updateUserAgent(const std::string& userAgent) {
 void GtkBrowserWindow::Show() {
     assert(IsMainThread());
     gtk_widget_show_all(m_parts->window.get());
+    // It may be shown already, but minimised or covered by another window.
+    gtk_window_present(GTK_WINDOW(m_parts->window.get()));
     gtk_widget_grab_focus(GTK_WIDGET(m_parts->webView.get()));
 }
 

@@ -59,6 +59,10 @@ public:
     /// The current operation's result is being sent. From now on the operation requests nothing.
     void OnResult();
 
+    /// Whether the operation's own load has not started yet. What the view shows, and what the
+    /// engine reports about its load, then belongs to the previous page.
+    [[nodiscard]] bool IsPageToCome() const { return m_load.IsToCome(); }
+
     // Events of the view's load. A view without a page has an empty URI.
     void OnLoadStarted();
     void OnPageCommitted(std::uint32_t status, const std::string& uri);
