@@ -19,6 +19,7 @@
 #include "GObjectPtr.h"
 #include "IPageOperationPort.h"
 #include "InstallRoot.h"
+#include "LoadIndicator.h"
 #include "MainLoopSource.h"
 #include "MainThread.h"
 #include "MsgCatalog.h"
@@ -159,6 +160,7 @@ struct GtkBrowserWindow::MainThreadParts {
     GObjectPtr<GtkAccelGroup> acceleratorGroup;
     std::optional<CPageGuard> pageGuard;
     std::optional<CPageCurtain> pageCurtain;
+    std::optional<CLoadIndicator> loadIndicator;
     std::optional<CWheelZoom> wheelZoom;
     OperationPort port;
     CPageOperation operation;
@@ -431,6 +433,7 @@ void GtkBrowserWindow::initWebView() {
     connectWebViewSignals();
     m_parts->pageGuard.emplace(m_parts->webView.get());
     m_parts->pageCurtain.emplace(m_parts->webView.get());
+    m_parts->loadIndicator.emplace(m_parts->window.get(), m_parts->webView.get());
     m_parts->wheelZoom.emplace(m_parts->webView.get());
     gtk_drag_dest_unset(widget);
     GtkWindow* const window = GTK_WINDOW(m_parts->window.get());
@@ -468,6 +471,7 @@ void GtkBrowserWindow::removeWebView() {
     g_signal_handlers_disconnect_by_data(m_parts->webView.get(), this);
     RemoveSource(m_parts->loadStoppedSource);
     m_parts->wheelZoom.reset();
+    m_parts->loadIndicator.reset();
     m_parts->pageCurtain.reset();
     m_parts->pageGuard.reset();
     m_parts->operation.OnViewReplaced();
