@@ -7,6 +7,9 @@ const std::string kProductFullName = "Velto Tunnelkeep VPN Client";
 // Translators: title of the window in which people sign in.
 const std::string kLoginWindowTitle = "Velto Tunnelkeep Login";
 
+// Translators: in the dialog that asks for a name and a password, after a first try.
+const std::string kSignInRefused = "The user name or the password was wrong. Please try again.";
+
 // Translators: the letter after "_" presses the button, together with Alt.
 const std::string kGetCertificateMnemonic = "_Get Certificate";
 const std::string kDisconnectMnemonic = "_Disconnect";

@@ -10,6 +10,7 @@
 // What this program shows.
 extern const std::string kProductFullName;
 extern const std::string kLoginWindowTitle;
+extern const std::string kSignInRefused;
 
 // Labels with a mnemonic, marked by "_".
 extern const std::string kGetCertificateMnemonic;

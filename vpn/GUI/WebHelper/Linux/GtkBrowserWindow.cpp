@@ -28,6 +28,7 @@
 #include "PageGuard.h"
 #include "PageOperation.h"
 #include "PageSettings.h"
+#include "PasswordDialog.h"
 #include "ResponseHeader.h"
 #include "Sandbox.h"
 #include "TlsErrorText.h"
@@ -432,6 +433,7 @@ void GtkBrowserWindow::initWebView() {
     m_parts->webView.reset(WEBKIT_WEB_VIEW(g_object_ref_sink(widget)));
     connectWebViewSignals();
     m_parts->pageGuard.emplace(m_parts->webView.get());
+    CompletePasswordDialogs(m_parts->webView.get());
     m_parts->pageCurtain.emplace(m_parts->webView.get());
     m_parts->loadIndicator.emplace(m_parts->window.get(), m_parts->webView.get());
     m_parts->wheelZoom.emplace(m_parts->webView.get());

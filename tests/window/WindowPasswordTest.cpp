@@ -1,0 +1,114 @@
+// The dialog in which a person gives a name and a password.
+
+#include <gdk/gdkkeysyms.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "PictureTest.h"
+
+namespace {
+
+using testing::ElementsAre;
+
+// "name:word" and "name:wrong".
+constexpr char kRight[] = "Basic bmFtZTp3b3Jk";
+constexpr char kWrong[] = "Basic bmFtZTp3cm9uZw==";
+constexpr char kRefusal[] = "The user name or the password was wrong. Please try again.";
+
+class WindowPasswordTest : public PictureTest {
+protected:
+    WindowPasswordTest() {
+        m_server.Handle("/locked", [](HttpExchange& exchange) {
+            if (exchange.Request().Header("Authorization") == kRight) {
+                exchange.Respond({200, "<!DOCTYPE html><body style='background: #20a040'>"});
+            } else {
+                exchange.Respond(
+                    {401, "refused", "text/html", {{"WWW-Authenticate", "Basic realm=\"a\""}}});
+            }
+        });
+        Open();
+        Send(Operation::Browse(m_server.Url("/locked"), "never").Shown());
+    }
+
+    /// Waits until the dialog is on the screen, where it dims the view, and has the keyboard.
+    void AwaitDialog() {
+        ASSERT_TRUE(WaitUntilShown());
+        FocusWindow();
+        ASSERT_TRUE(RunMainLoopUntil([&] {
+            GtkWidget* const focus = gtk_window_get_focus(Window());
+            const Screenshot now = WindowPicture();
+            return focus != nullptr && GTK_IS_ENTRY(focus) && now.At(500, 350) == kWhite &&
+                   now.At(10, 300) != kWhite;
+        }));
+    }
+
+    void Answer(const std::string& name, const std::string& password) {
+        m_screen.Type(name);
+        m_screen.Press({GDK_KEY_Tab});
+        m_screen.Type(password);
+        m_screen.Press({GDK_KEY_Return});
+    }
+
+    /// The texts that the view shows besides its page.
+    [[nodiscard]] std::vector<std::string> Texts() const {
+        std::vector<std::string> texts;
+        CollectTexts(GTK_WIDGET(View()), &texts);
+        return texts;
+    }
+
+    [[nodiscard]] std::vector<std::string> Passwords() const {
+        std::vector<std::string> passwords;
+        for (const HttpRequest& request : m_server.Requests()) {
+            passwords.push_back(request.Header("Authorization"));
+        }
+        return passwords;
+    }
+
+private:
+    static void CollectTexts(GtkWidget* widget, gpointer texts) {
+        if (GTK_IS_LABEL(widget) && gtk_widget_get_mapped(widget) != FALSE) {
+            static_cast<std::vector<std::string>*>(texts)->emplace_back(
+                gtk_label_get_text(GTK_LABEL(widget)));
+        } else if (GTK_IS_CONTAINER(widget)) {
+            gtk_container_forall(GTK_CONTAINER(widget), CollectTexts, texts);
+        }
+    }
+};
+
+}  // namespace
+
+TEST_F(WindowPasswordTest, TheDialogOffersNothingToRemember) {
+    ASSERT_NO_FATAL_FAILURE(AwaitDialog());
+    Keep("first", WindowPicture());
+    EXPECT_THAT(
+        Texts(),
+        ElementsAre("Authentication Required",
+                    "Authentication required by 127.0.0.1:" + std::to_string(m_server.Port()),
+                    "The site says: “a”", "Password", "Username", "Cancel", "Authenticate"));
+}
+
+TEST_F(WindowPasswordTest, TheDialogSaysThatTheFirstTryWasWrong) {
+    ASSERT_NO_FATAL_FAILURE(AwaitDialog());
+    Answer("name", "wrong");
+    ASSERT_TRUE(RunMainLoopUntil([&] {
+        const std::vector<std::string> texts = Texts();
+        return std::find(texts.begin(), texts.end(), kRefusal) != texts.end();
+    }));
+    ASSERT_NO_FATAL_FAILURE(AwaitDialog());
+    Keep("second", WindowPicture());
+    Answer("name", "word");
+    EXPECT_TRUE(RunMainLoopUntil([&] { return Passwords().back() == kRight; }));
+    EXPECT_THAT(Passwords(), ElementsAre("", kWrong, kRight));
+}
+
+TEST_F(WindowPasswordTest, EscapeCancelsTheDialog) {
+    ASSERT_NO_FATAL_FAILURE(AwaitDialog());
+    m_screen.Press({GDK_KEY_Escape});
+    // The page is the server's refusal then.
+    ASSERT_TRUE(WaitForResults(1));
+    EXPECT_THAT(Results(), ElementsAre("error_navi"));
+    EXPECT_THAT(Texts(), ElementsAre());
+    EXPECT_THAT(Passwords(), ElementsAre(""));
+}
