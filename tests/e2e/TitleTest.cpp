@@ -94,3 +94,10 @@ TEST_F(Title, IsEnglishWhereTheCategoriesOfTheLocaleDiffer) {
         LaunchAndAwaitReady({{"LC_ALL", std::nullopt}, {"LANG", "de_DE.UTF-8"}, {"LC_TIME", "C"}}));
     EXPECT_EQ(m_screen.Title(ShowWaitingPage()), kEnglish);
 }
+
+// The desktop entry has the same name. The product's, with its spaces, would fit no rule of a
+// window manager.
+TEST_F(Title, ComesWithAClassThatIsTheProgramsName) {
+    ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady());
+    EXPECT_EQ(m_screen.Class(ShowWaitingPage()), "tkwebhelper");
+}

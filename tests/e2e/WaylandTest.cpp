@@ -83,6 +83,7 @@ TEST_F(Wayland, ShowsItsWindowUntilTheResult) {
     m_server.ServeOnRelease("/waiting", {});
     Browse("/waiting", "/waiting");
     EXPECT_TRUE(AwaitRequest(R"(xdg_toplevel[@#]\d+\.set_title\("Velto Tunnelkeep Login"\))"));
+    EXPECT_TRUE(AwaitRequest(R"(xdg_toplevel[@#]\d+\.set_app_id\("tkwebhelper"\))"));
     EXPECT_TRUE(AwaitRequest(R"(xdg_surface[@#]\d+\.set_window_geometry\(\d+, \d+, 1000, 6)"));
     EXPECT_FALSE(HasSent(kWindowsEnd));
     m_server.Release("/waiting");

@@ -14,6 +14,7 @@ diff - <(cd "$folder/program" && find . -type f ! -path '*/l10n/*' -printf '%m %
     sort -k 2) <<'LIST'
 755 ./opt/velto/tunnelkeep/bin/tkwebhelper
 644 ./opt/velto/tunnelkeep/resources/vpnui128.png
+644 ./usr/share/applications/tkwebhelper.desktop
 644 ./usr/share/doc/tunnelkeep-webhelper/changelog.Debian.gz
 644 ./usr/share/doc/tunnelkeep-webhelper/changelog.gz
 644 ./usr/share/doc/tunnelkeep-webhelper/copyright
@@ -25,6 +26,14 @@ diff - <(cd "$folder/program" && find . -type f ! -path '*/l10n/*' -printf '%m %
 LIST
 cmp "$(dirname "$0")/../../resources/vpnui128.png" \
     "$folder/program/opt/velto/tunnelkeep/resources/vpnui128.png"
+
+# The desktop entry gives its icon to the windows of this class, and starts nothing from a menu.
+entry=$folder/program/usr/share/applications/tkwebhelper.desktop
+grep -qxF 'StartupWMClass=tkwebhelper' "$entry"
+grep -qxF 'NoDisplay=true' "$entry"
+for key in Exec Icon; do
+    [ -e "$folder/program$(sed -n "s/^$key=//p" "$entry")" ]
+done
 
 version=$(dpkg-deb --field "$1"/tunnelkeep-webhelper_*.deb Version)
 zgrep -qF "\"Tunnelkeep ${version%-1}\"" "$folder/program/usr/share/man/man1/tkwebhelper.1.gz" ||

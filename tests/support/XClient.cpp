@@ -117,6 +117,13 @@ std::string XClient::Title(XWindow window) const {
     return Property(window, "_NET_WM_NAME");
 }
 
+std::string XClient::Class(XWindow window) const {
+    // The name and the class, each with a zero at its end.
+    const std::string both = Property(window, "WM_CLASS");
+    const std::size_t begin = both.find('\0') + 1;
+    return both.substr(begin, both.find('\0', begin) - begin);
+}
+
 XGeometry XClient::Geometry(XWindow window) const {
     const auto reply = Owned(xcb_get_geometry_reply(
         m_connection.get(), xcb_get_geometry(m_connection.get(), window), nullptr));

@@ -52,6 +52,8 @@ public:
 
     [[nodiscard]] bool IsMapped(XWindow window) const;
     [[nodiscard]] std::string Title(XWindow window) const;
+    /// The class by which window managers know the window's program.
+    [[nodiscard]] std::string Class(XWindow window) const;
     [[nodiscard]] XGeometry Geometry(XWindow window) const;
     [[nodiscard]] Screenshot Capture(XWindow window) const;
     [[nodiscard]] XWindow Root() const;

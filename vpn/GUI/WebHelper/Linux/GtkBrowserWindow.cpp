@@ -35,6 +35,7 @@
 #include "UserAgent.h"
 #include "WebsiteData.h"
 #include "WheelZoom.h"
+#include "WindowClass.h"
 
 namespace {
 
@@ -399,6 +400,7 @@ void GtkBrowserWindow::init(GtkApplication* application) {
     gtk_window_set_title(window, MsgCatalog::getMessage(kLoginWindowTitle.c_str()).c_str());
     gtk_window_set_default_size(window, kWindowWidth, kWindowHeight);
     SetWindowIcon(window);
+    SetWindowClass(window);
     m_parts->acceleratorGroup.reset(gtk_accel_group_new());
     gtk_window_add_accel_group(window, m_parts->acceleratorGroup.get());
     ConnectAccelerators(m_parts->acceleratorGroup.get());
