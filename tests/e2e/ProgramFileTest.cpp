@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "HelperProgram.h"
+
 namespace {
 
 using testing::AllOf;
