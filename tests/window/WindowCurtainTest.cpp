@@ -25,6 +25,11 @@ protected:
         ASSERT_TRUE(WaitForRequest("/next"));
     }
 
+    static gboolean OnKeyReleased(GtkWidget* /*window*/, GdkEventKey* event, guint* key) {
+        *key = event->keyval;
+        return FALSE;
+    }
+
     /// Whether no pixel of the window has this colour.
     [[nodiscard]] bool IsHidden(std::uint32_t colour) const {
         const std::vector<std::uint32_t> pixels = WindowPicture().pixels;
@@ -85,6 +90,25 @@ TEST_F(WindowCurtainTest, ThePageBeforeTakesNoKeysAndNoClicks) {
     ASSERT_TRUE(WaitForRequest("/arrived"));
     EXPECT_THAT(m_server.RequestLines(), Not(Contains("GET /clicked")));
     EXPECT_THAT(m_server.RequestLines(), Not(Contains("GET /typed")));
+}
+
+// They would load the page before again, in the next one's place.
+TEST_F(WindowCurtainTest, ThePageBeforeIsNotLoadedAgainByAKey) {
+    AskForNextBehind(kBluePage, kGreenPage);
+    FocusWindow();
+    guint lastKey = 0;
+    const gulong handler =
+        g_signal_connect(Window(), "key-release-event", G_CALLBACK(OnKeyReleased), &lastKey);
+    m_screen.Press({GDK_KEY_F5});
+    m_screen.Press({GDK_KEY_Control_L, GDK_KEY_r});
+    m_screen.Press({GDK_KEY_Alt_L, GDK_KEY_Left});
+    ASSERT_TRUE(RunMainLoopUntil([&] { return lastKey == GDK_KEY_Left; }));
+    g_signal_handler_disconnect(Window(), handler);
+    m_server.Release("/next");
+    ExpectWindow("next", Screenshot::Plain(1000, 600, kGreen));
+    EXPECT_THAT(m_server.RequestLines(), ElementsAre("GET /first", "GET /next"));
+    m_screen.Press({GDK_KEY_F5});
+    EXPECT_TRUE(RunMainLoopUntil([&] { return m_server.CountRequests("/next") == 2; }));
 }
 
 TEST_F(WindowCurtainTest, ThePasswordDialogOfTheNextPageTakesKeys) {

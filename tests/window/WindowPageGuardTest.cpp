@@ -228,6 +228,42 @@ TEST_F(WindowPageGuardTest, ADialogThatAPersonSeesWaitsForThem) {
     ExpectNextSuccess();
 }
 
+TEST_F(WindowPageGuardTest, ADialogThatAPersonSeesDoesNotKeepTheNextOperation) {
+    BrowseShown("<script>fetch('/before'); alert('a')</script>");
+    ASSERT_TRUE(WaitForRequest("/before"));
+    m_server.ServePage("/next", "hello");
+    Send(Operation::Browse(Url("/next"), Url("/next")).Shown());
+    ASSERT_TRUE(WaitForResults(1));
+    EXPECT_THAT(Results(), ElementsAre("success"));
+}
+
+TEST_F(WindowPageGuardTest, DialogsOfAPageThatIsOverAreAnswered) {
+    m_server.ServeOnRelease("/next", {200, "hello"});
+    BrowseShown(
+        "<script>fetch('/asks');"
+        "setInterval(() => navigator.sendBeacon('/answers?' + confirm('a')), 10)</script>");
+    ASSERT_TRUE(WaitForRequest("/asks"));
+    Send(Operation::Browse(Url("/next"), Url("/next")).Shown());
+    ASSERT_TRUE(WaitForRequest("/next"));
+    // The first one may have been open.
+    ASSERT_TRUE(RunMainLoopUntil([&] { return m_server.CountRequests("/answers") >= 3; }));
+    EXPECT_THAT(m_server.RequestLines(), Contains("POST /answers?false"));
+    m_server.Release("/next");
+    ASSERT_TRUE(WaitForResults(1));
+    EXPECT_THAT(Results(), ElementsAre("success"));
+}
+
+TEST_F(WindowPageGuardTest, APageThatIsOverAndNeverStopsAskingDoesNotTakeTheNextOneWithIt) {
+    m_server.ServeOnRelease("/next", {200, "hello"});
+    BrowseShown("<script>setInterval(() => alert('a'), 10)</script>");
+    Send(Operation::Browse(Url("/next"), Url("/next")).Shown());
+    ASSERT_TRUE(RunMainLoopUntil([&] { return m_server.CountRequests("/next") == 2; }));
+    m_server.Release("/next");
+    ASSERT_TRUE(WaitForResults(1));
+    EXPECT_THAT(Results(), ElementsAre("success"));
+    EXPECT_THAT(LogLines(), ElementsAre("E The web process was terminated, URI = " + Url("/next")));
+}
+
 TEST_F(WindowPageGuardTest, APageThatNeverStopsAskingIsEnded) {
     Browse("<script>for (;;) alert('a')</script>");
     ASSERT_TRUE(WaitForResults(1));

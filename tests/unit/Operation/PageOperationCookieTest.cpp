@@ -336,7 +336,7 @@ TEST_F(PageOperationForCookie, TakesNothingMoreOfAPageThatHasBroughtItsCookie) {
     EXPECT_TRUE(Fail(4));
     m_operation.OnCertificateRefused("a reason");
     m_operation.OnLoadStopped();
-    m_operation.OnProcessEnded();
+    m_operation.OnProcessEnded(ProcessEnd::itsOwn);
     EXPECT_THAT(Asked(), ElementsAre("success_with_cookie abc"));
 }
 

@@ -166,7 +166,7 @@ public:
         Check(m_isOpen, "a process ended for no open operation");
         DropCourse();
         m_processHasLoaded = false;
-        m_operation.OnProcessEnded();
+        m_operation.OnProcessEnded(ProcessEnd::forced);
     }
 
     [[nodiscard]] bool CanQueryCookies() const override { return true; }
@@ -566,7 +566,7 @@ private:
         m_processHasLoaded = false;
         // Behind the result the load is lost with the process: whatever is queued then ends by it.
         TellLoss(isAskedFor && m_isOpen, isOwn || isAskedFor,
-                 [this] { m_operation.OnProcessEnded(); });
+                 [this] { m_operation.OnProcessEnded(ProcessEnd::itsOwn); });
     }
 
     void TellFailure(Step step, bool isOwn, bool isFirst) {

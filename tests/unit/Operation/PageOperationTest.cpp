@@ -221,7 +221,7 @@ TEST_F(PageOperation, AsksForNothingMoreBehindItsResult) {
     m_operation.OnLoadStopped();
     Browse();
     m_operation.OnWindowClosed();
-    m_operation.OnProcessEnded();
+    m_operation.OnProcessEnded(ProcessEnd::itsOwn);
     m_operation.OnLoadStarted();
     m_operation.OnLoadStopped();
     EXPECT_THAT(Asked(), ElementsAre("cancel", "load http://host/page", "cancel"));
@@ -269,22 +269,38 @@ TEST_F(PageOperation, EndsWithAFailureOfThatNumberThatIsNoCancelledLoad) {
 
 TEST_F(PageOperation, EndsWithItsProcess) {
     StartBrowse();
-    m_operation.OnProcessEnded();
+    m_operation.OnProcessEnded(ProcessEnd::itsOwn);
+    EXPECT_THAT(Asked(), ElementsAre("error_unknown"));
+}
+
+TEST_F(PageOperation, AsksOnceMoreForALoadWhoseProcessIsEndedForThePageBefore) {
+    StartBrowse();
+    m_operation.OnProcessEnded(ProcessEnd::forced);
+    EXPECT_THAT(Asked(), ElementsAre("load http://host/page"));
+    m_operation.OnLoadStarted();
+    m_operation.OnProcessEnded(ProcessEnd::forced);
+    EXPECT_THAT(Asked(), ElementsAre("error_unknown"));
+}
+
+TEST_F(PageOperation, EndsWithTheProcessThatIsEndedForItsOwnPage) {
+    StartBrowse();
+    m_operation.OnPageCommitted(200, kPage);
+    m_operation.OnProcessEnded(ProcessEnd::forced);
     EXPECT_THAT(Asked(), ElementsAre("error_unknown"));
 }
 
 TEST_F(PageOperation, EndsWithTheProcessOfItsLoadedPage) {
     StartBrowse();
     m_operation.OnPageFinished(kPage);
-    m_operation.OnProcessEnded();
+    m_operation.OnProcessEnded(ProcessEnd::itsOwn);
     EXPECT_THAT(Asked(), ElementsAre("error_unknown"));
 }
 
 TEST_F(PageOperation, AsksOnceMoreForALoadThatGoesWithTheProcessOfThePageBefore) {
     Browse();
-    m_operation.OnProcessEnded();
+    m_operation.OnProcessEnded(ProcessEnd::itsOwn);
     EXPECT_THAT(Asked(), ElementsAre("load http://host/page", "load http://host/page"));
-    m_operation.OnProcessEnded();
+    m_operation.OnProcessEnded(ProcessEnd::itsOwn);
     EXPECT_THAT(Asked(), ElementsAre("error_unknown"));
 }
 

@@ -37,7 +37,7 @@ public:
     void Load(const std::string& url) override { m_lines.push_back("load " + url); }
     void EndProcess() override {
         m_lines.emplace_back("end process");
-        m_operation->OnProcessEnded();
+        m_operation->OnProcessEnded(ProcessEnd::forced);
     }
     [[nodiscard]] bool CanQueryCookies() const override { return m_canQuery; }
     void QueryCookies(const CookieQuery& query) override {

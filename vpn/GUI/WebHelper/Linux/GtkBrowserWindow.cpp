@@ -210,6 +210,12 @@ struct GtkBrowserWindow::Callbacks {
 
     static gboolean onContextMenu() { return TRUE; }
 
+    // While the curtain is closed, a key would load the page behind it again, instead of the next.
+    static gboolean onKey(GtkAccelGroup* /*group*/, GObject* /*window*/, guint /*key*/,
+                          GdkModifierType /*modifiers*/, GtkBrowserWindow* self) {
+        return self->m_parts->pageCurtain->IsClosed() ? TRUE : FALSE;
+    }
+
     // What is no link, such as a script's window or a form's.
     static GtkWidget* onCreate(WebKitWebView* webView, WebKitNavigationAction* /*action*/,
                                GtkBrowserWindow* self) {
@@ -227,6 +233,7 @@ struct GtkBrowserWindow::Callbacks {
                 break;
             case WEBKIT_LOAD_COMMITTED:
                 if (!operation.IsPageToCome()) {
+                    self->m_parts->pageGuard->OnPageCame();
                     self->m_parts->pageCurtain->OpenWhenDrawn();
                 }
                 operation.OnPageCommitted(StatusOfPage(webView), UriOf(webView));
@@ -294,7 +301,9 @@ struct GtkBrowserWindow::Callbacks {
                                        GtkBrowserWindow* self) {
         TK_LOG_ERROR("The web process %s, URI = %s", TerminationText(reason),
                      UriOf(webView).c_str());
-        OperationOf(self).OnProcessEnded();
+        OperationOf(self).OnProcessEnded(reason == WEBKIT_WEB_PROCESS_TERMINATED_BY_API
+                                             ? ProcessEnd::forced
+                                             : ProcessEnd::itsOwn);
     }
 
     static void cookiesChangedCB(WebKitCookieManager* /*manager*/, GtkBrowserWindow* self) {
@@ -391,6 +400,7 @@ GtkBrowserWindow::~GtkBrowserWindow() {
     RemoveSource(m_parts->loadStoppedSource);
     g_signal_handlers_disconnect_by_data(m_parts->webView.get(), this);
     g_signal_handlers_disconnect_by_data(m_parts->window.get(), this);
+    g_signal_handlers_disconnect_by_data(m_parts->acceleratorGroup.get(), this);
     g_signal_handlers_disconnect_by_data(m_parts->cookieManager, this);
 }
 
@@ -403,6 +413,9 @@ void GtkBrowserWindow::init(GtkApplication* application) {
     SetWindowClass(window);
     m_parts->acceleratorGroup.reset(gtk_accel_group_new());
     gtk_window_add_accel_group(window, m_parts->acceleratorGroup.get());
+    // Before the keys' actions, so that it decides first.
+    g_signal_connect(m_parts->acceleratorGroup.get(), "accel-activate",
+                     G_CALLBACK(Callbacks::onKey), this);
     ConnectAccelerators(m_parts->acceleratorGroup.get());
     g_signal_connect(window, "delete-event", G_CALLBACK(Callbacks::onDeleteEvent), this);
     m_parts->webContext.reset(NewWebContext());
@@ -533,6 +546,7 @@ void GtkBrowserWindow::LoadPage(const std::string& url, const std::string& final
     if (!userAgent.empty()) {
         updateUserAgent(userAgent);
     }
+    m_parts->pageGuard->OnPageOver();
     m_parts->pageCurtain->Close();
     m_parts->operation.Begin(url, finalUrl, {cookieName, errorCookieName});
     if (timeout != 0) {

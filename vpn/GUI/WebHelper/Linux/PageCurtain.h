@@ -19,6 +19,8 @@ public:
     /// The page that the view shows is over. Does nothing if the view never had a page.
     void Close();
 
+    [[nodiscard]] bool IsClosed() const { return m_isClosed; }
+
     /// The next page has taken the other one's place. The engine shows the other one's picture
     /// until it has drawn the new page; then the curtain opens.
     void OpenWhenDrawn();

@@ -58,6 +58,17 @@ CPageGuard::~CPageGuard() {
     closeDialog();
 }
 
+void CPageGuard::OnPageOver() {
+    assert(IsMainThread());
+    m_isPageOver = true;
+    closeDialog();
+}
+
+void CPageGuard::OnPageCame() {
+    assert(IsMainThread());
+    m_isPageOver = false;
+}
+
 gboolean CPageGuard::onPermissionRequest(WebKitWebView* /*webView*/,
                                          WebKitPermissionRequest* request) {
     TK_LOG_WARNING("Denied a page's %s", G_OBJECT_TYPE_NAME(request));
@@ -105,7 +116,7 @@ gboolean CPageGuard::onScriptDialog(WebKitWebView* webView, WebKitScriptDialog* 
     // A "leave page?" prompt must not hold up the operation that replaces the page.
     const bool isLeft =
         webkit_script_dialog_get_dialog_type(dialog) == WEBKIT_SCRIPT_DIALOG_BEFORE_UNLOAD_CONFIRM;
-    if (IsSeen(webView) && !isLeft) {
+    if (IsSeen(webView) && !isLeft && !self->m_isPageOver) {
         self->m_dialog.reset(webkit_script_dialog_ref(dialog));
         return FALSE;
     }

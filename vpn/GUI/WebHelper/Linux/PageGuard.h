@@ -5,9 +5,9 @@
 #include <memory>
 
 /// Guards the pages of one web view. Denies permissions, printing and files to save. Dialogs and
-/// password requests that nobody can see, and "leave page?" prompts, are answered automatically,
-/// because an open dialog blocks the page. A page that never stops opening dialogs loses its
-/// process. Main thread only.
+/// password requests that nobody can see, "leave page?" prompts, and dialogs of a page that is over
+/// are answered automatically, because an open dialog blocks the page. A page that never stops
+/// opening dialogs loses its process. Main thread only.
 class CPageGuard {
 public:
     /// The view is not owned and must outlive the guard.
@@ -15,6 +15,12 @@ public:
     ~CPageGuard();
     CPageGuard(const CPageGuard&) = delete;
     CPageGuard& operator=(const CPageGuard&) = delete;
+
+    /// The page gives way to the next operation's page. Nobody shall answer its dialogs any more.
+    void OnPageOver();
+
+    /// The next operation's page has taken its place.
+    void OnPageCame();
 
 private:
     struct DialogUnref {
@@ -37,6 +43,7 @@ private:
     WebKitWebView* m_webView;
     // The dialog that a person sees. The engine shows one at a time.
     std::unique_ptr<WebKitScriptDialog, DialogUnref> m_dialog;
+    bool m_isPageOver = false;
     // How many of the current page's dialogs were answered automatically.
     int m_answeredDialogs = 0;
 };

@@ -93,7 +93,7 @@ bool COperationLoad::SurvivesStop() {
     return repeatOnce();
 }
 
-bool COperationLoad::SurvivesProcess() {
+bool COperationLoad::SurvivesProcess(ProcessEnd end) {
     m_processHasLoaded = false;
     switch (m_phase) {
         case Phase::waiting:
@@ -103,6 +103,12 @@ bool COperationLoad::SurvivesProcess() {
             return repeatOnce();
         case Phase::usedUp:
             return true;
+        case Phase::started:
+            // Until the commit, the page in the process is the one before.
+            if (end == ProcessEnd::forced) {
+                return repeatOnce();
+            }
+            [[fallthrough]];
         default:
             m_phase = Phase::over;
             return false;

@@ -4,6 +4,12 @@
 
 class IPageOperationPort;
 
+/// Who ended the web process.
+enum class ProcessEnd {
+    itsOwn,  ///< nobody: it crashed or was killed
+    forced,  ///< this program, because of the page in it
+};
+
 /// Tracks the current operation's load, ignores the previous page's events, and repeats a load that
 /// the engine lost. Thread-unsafe.
 class COperationLoad {
@@ -51,7 +57,7 @@ public:
     [[nodiscard]] bool SurvivesStop();
 
     /// The web process has ended. Returns false if this load has ended with it.
-    [[nodiscard]] bool SurvivesProcess();
+    [[nodiscard]] bool SurvivesProcess(ProcessEnd end);
 
     /// The web process has become responsive or unresponsive. If it is stuck in the previous page
     /// and keeps this load from starting, it is ended.

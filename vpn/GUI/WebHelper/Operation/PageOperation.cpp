@@ -121,8 +121,8 @@ void CPageOperation::OnLoadStopped() {
     }
 }
 
-void CPageOperation::OnProcessEnded() {
-    if (!m_load.SurvivesProcess()) {
+void CPageOperation::OnProcessEnded(ProcessEnd processEnd) {
+    if (!m_load.SurvivesProcess(processEnd)) {
         end(BrowserResultType::error_unknown);
     }
 }

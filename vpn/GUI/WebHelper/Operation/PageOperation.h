@@ -75,7 +75,7 @@ public:
     void OnCertificateRefused(const std::string& reason);
     /// The view has stopped loading, and no event reported how the load ended.
     void OnLoadStopped();
-    void OnProcessEnded();
+    void OnProcessEnded(ProcessEnd processEnd);
     void OnResponsiveness(bool isResponsive) { m_load.OnResponsiveness(isResponsive); }
 
     // Events of requests and of the cookie store.
