@@ -200,11 +200,12 @@ TEST_F(WindowAppearanceTest, UsesNoGraphicsProcessorAfterAResetEither) {
 
 TEST_F(WindowAppearanceTest, LooksAsItWouldWithAGraphicsProcessor) {
     ShowBody("/page", kGraphics);
-    // One point each of the turned box, the lifted one and the ring, which the script drew last.
+    // One point each of the turned box, the lifted one and the ring, which the script drew last,
+    // and of where the line is while the page loads.
     ASSERT_TRUE(RunMainLoopUntil([&] {
         const Screenshot now = WindowPicture();
         return now.At(160, 225) == 0xC02020U && now.At(470, 235) == kBlue &&
-               now.At(440, 470) == kBlack;
+               now.At(440, 470) == kBlack && now.At(0, 0) == 0x003366U;
     }));
     const Screenshot without = WindowPicture();
     Keep("never", without);

@@ -113,6 +113,7 @@ TEST_F(WindowCurtainTest, ThePageBeforeIsNotLoadedAgainByAKey) {
 
 TEST_F(WindowCurtainTest, ThePasswordDialogOfTheNextPageTakesKeys) {
     ShowBody("/first", kBluePage);
+    ExpectWindow("first", Screenshot::Plain(1000, 600, kBlue));
     m_server.Handle("/locked", [](HttpExchange& exchange) {
         if (exchange.Request().Header("Authorization").empty()) {
             exchange.Respond({401, "", "text/html", {{"WWW-Authenticate", "Basic realm=\"a\""}}});

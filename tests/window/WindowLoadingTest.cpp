@@ -103,6 +103,19 @@ TEST_F(WindowLoadingTest, TheLineWaitsForAMoment) {
     EXPECT_GE(Clock::now() - begin, std::chrono::milliseconds(500));
 }
 
+TEST_F(WindowLoadingTest, APageThatWaitsForAPasswordShowsNoLine) {
+    m_server.Serve("/locked",
+                   {401, "refused", "text/html", {{"WWW-Authenticate", "Basic realm=\"a\""}}});
+    Send(Operation::Browse(m_server.Url("/locked"), "never").Shown());
+    ASSERT_TRUE(WaitUntilShown());
+    // When the pointer is busy, the line's moment is over.
+    ASSERT_TRUE(RunMainLoopUntil([&] { return IsBusy(Pointer()); }));
+    // The dialog dims the page.
+    ASSERT_TRUE(RunMainLoopUntil([&] { return WindowPicture().At(10, 300) != kWhite; }));
+    const Screenshot now = WindowPicture();
+    EXPECT_EQ(now.At(0, 0), now.At(10, 300));
+}
+
 TEST_F(WindowLoadingTest, ThePointerIsBusyAsLongAsTheLineIsThere) {
     ShowBody("/page", "<body style='cursor: crosshair'>");
     m_screen.MovePointer(OnScreen(), 500, 300);

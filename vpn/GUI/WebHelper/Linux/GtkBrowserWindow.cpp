@@ -210,10 +210,10 @@ struct GtkBrowserWindow::Callbacks {
 
     static gboolean onContextMenu() { return TRUE; }
 
-    // While the curtain is closed, a key would load the page behind it again, instead of the next.
+    // While the next page is still to come, a key would load the one before again instead.
     static gboolean onKey(GtkAccelGroup* /*group*/, GObject* /*window*/, guint /*key*/,
                           GdkModifierType /*modifiers*/, GtkBrowserWindow* self) {
-        return self->m_parts->pageCurtain->IsClosed() ? TRUE : FALSE;
+        return self->m_parts->pageCurtain->KeepsInput() ? TRUE : FALSE;
     }
 
     // What is no link, such as a script's window or a form's.

@@ -20,6 +20,19 @@ GdkRGBA LineColour(GtkWidget* window) {
     return colour;
 }
 
+// Whether one of the engine's dialogs is over the page.
+bool IsAsking(WebKitWebView* webView) {
+    bool hasDialog = false;
+    gtk_container_forall(
+        GTK_CONTAINER(webView),
+        [](GtkWidget* child, gpointer data) {
+            auto* const isFound = static_cast<bool*>(data);
+            *isFound = *isFound || gtk_widget_get_mapped(child) != FALSE;
+        },
+        &hasDialog);
+    return hasDialog;
+}
+
 GObjectPtr<GdkCursor> Referenced(GdkCursor* pointer) {
     return GObjectPtr<GdkCursor>(pointer != nullptr ? GDK_CURSOR(g_object_ref(pointer)) : nullptr);
 }
@@ -84,7 +97,7 @@ void CLoadIndicator::redraw() {
 }
 
 gboolean CLoadIndicator::onDraw(GtkWidget* window, cairo_t* picture, CLoadIndicator* self) {
-    if (self->m_isShown) {
+    if (self->m_isShown && !IsAsking(self->m_webView)) {
         const GdkRGBA colour = LineColour(window);
         GtkAllocation view;
         gtk_widget_get_allocation(GTK_WIDGET(self->m_webView), &view);

@@ -7,7 +7,8 @@
 /// Tells the person at the window that one web view is loading, if that takes longer than a moment:
 /// by a line over the view's upper edge, as long as the engine's estimate of how much has come, and
 /// by the pointer. The line is drawn over the page and takes no room from it. It has the theme's
-/// colour, and never moves by itself. Main thread only.
+/// colour, and never moves by itself. While a dialog asks the person something, it is not drawn:
+/// the page waits for them. Main thread only.
 class CLoadIndicator {
 public:
     /// The view is not owned, is the window's child and must outlive this.

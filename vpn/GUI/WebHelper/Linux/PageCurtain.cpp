@@ -55,12 +55,14 @@ void CPageCurtain::Close() {
     forgetDrawing();
     if (webkit_web_view_get_uri(m_webView) != nullptr) {
         m_isClosed = true;
+        m_keepsInput = true;
         gtk_widget_queue_draw(GTK_WIDGET(m_webView));
     }
 }
 
 void CPageCurtain::OpenWhenDrawn() {
     assert(IsMainThread());
+    m_keepsInput = false;
     if (m_isClosed) {
         forgetDrawing();
         m_drawing.reset(g_cancellable_new());
@@ -111,7 +113,7 @@ gboolean CPageCurtain::onDraw(GtkWidget* webView, cairo_t* picture, CPageCurtain
 }
 
 gboolean CPageCurtain::onEvent(GtkWidget* webView, GdkEvent* event, CPageCurtain* self) {
-    return self->m_isClosed && IsInputOf(webView, event) ? TRUE : FALSE;
+    return self->m_keepsInput && IsInputOf(webView, event) ? TRUE : FALSE;
 }
 
 void CPageCurtain::onDrawn(GObject* webView, GAsyncResult* result, gpointer self) {

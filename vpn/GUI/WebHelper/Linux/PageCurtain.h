@@ -19,10 +19,12 @@ public:
     /// The page that the view shows is over. Does nothing if the view never had a page.
     void Close();
 
-    [[nodiscard]] bool IsClosed() const { return m_isClosed; }
+    /// Whether the next page is still to come, so that what a person presses or clicks is for no
+    /// page.
+    [[nodiscard]] bool KeepsInput() const { return m_keepsInput; }
 
-    /// The next page has taken the other one's place. The engine shows the other one's picture
-    /// until it has drawn the new page; then the curtain opens.
+    /// The next page has taken the other one's place, and takes input. The engine shows the other
+    /// one's picture until it has drawn the new page; then the curtain opens.
     void OpenWhenDrawn();
 
     /// The next page has finished. The curtain opens after a moment at the latest, whether the
@@ -40,6 +42,7 @@ private:
 
     WebKitWebView* m_webView;
     bool m_isClosed = false;
+    bool m_keepsInput = false;
     // Cancels the wait for the page's first picture.
     GObjectPtr<GCancellable> m_drawing;
     guint m_momentSource = 0;
