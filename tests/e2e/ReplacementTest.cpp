@@ -12,6 +12,8 @@ namespace {
 constexpr const char* kReset = R"({"operation":"reset"})";
 constexpr const char* kTerminate = R"({"operation":"terminate"})";
 
+constexpr int kRounds = 30;
+
 /// Several operations as the bytes of one segment.
 std::string Segment(const std::vector<std::string>& operations) {
     std::string bytes;
@@ -95,6 +97,32 @@ protected:
 };
 
 }  // namespace
+
+TEST_F(Replacement, ThePageOfAnEarlyCookieEndsNoOperationButItsOwn) {
+    m_server.Serve("/own", {200, "", "text/html", {{"Set-Cookie", "sid=own; Path=/"}}});
+    const std::pair<std::string, std::string> nextOnes[] = {
+        {Browse("/page"), "success"},
+        {BrowseForCookie("/own"), "success_with_cookie own"},
+        {kReset, "ready"}};
+    int pages = 0;
+    for (int round = 0; round < kRounds; ++round) {
+        for (const auto& [next, result] : nextOnes) {
+            // Only a new value counts before the page's end.
+            const std::string value = "early" + std::to_string(++pages);
+            const std::string path = "/" + value;
+            m_server.ServeHalfUntilRelease(path, {200,
+                                                  std::string(8000, ' '),
+                                                  "text/html",
+                                                  {{"Set-Cookie", "sid=" + value + "; Path=/"}}});
+            Send(BrowseForCookie(path));
+            ASSERT_EQ(NextResult(), "success_with_cookie " + value);
+            Send(next);
+            m_server.Release(path);
+            ASSERT_EQ(NextResult(), result) << "behind page " << pages;
+        }
+    }
+    EXPECT_EQ(Terminate(), "exited with status 0");
+}
 
 TEST_F(Replacement, OfTwoInOneSegmentTheSecondCounts) {
     ASSERT_NO_FATAL_FAILURE(Warm());
