@@ -77,8 +77,8 @@ TEST_F(WindowCurtainTest, NothingOfThePageBeforeIsSeenUntilTheNextOneIsDrawn) {
 
 TEST_F(WindowCurtainTest, ThePageBeforeTakesNoKeysAndNoClicks) {
     AskForNextBehind(
-        "<body onclick='fetch(\"/clicked\")' onkeydown='fetch(\"/typed\")'>"
-        "<input autofocus onfocus='fetch(\"/focused\")'>",
+        "<body onmousedown='navigator.sendBeacon(\"/clicked\")'"
+        " onkeydown='navigator.sendBeacon(\"/typed\")'>",
         "<style>html, body { margin: 0; height: 100%; background: #20a040 }</style>"
         "<body onclick='fetch(\"/arrived\")'>");
     FocusWindow();
@@ -88,8 +88,8 @@ TEST_F(WindowCurtainTest, ThePageBeforeTakesNoKeysAndNoClicks) {
     ExpectWindow("next", Screenshot::Plain(1000, 600, kGreen));
     m_screen.Click(OnScreen(), 500, 300);
     ASSERT_TRUE(WaitForRequest("/arrived"));
-    EXPECT_THAT(m_server.RequestLines(), Not(Contains("GET /clicked")));
-    EXPECT_THAT(m_server.RequestLines(), Not(Contains("GET /typed")));
+    EXPECT_THAT(m_server.RequestLines(), Not(Contains("POST /clicked")));
+    EXPECT_THAT(m_server.RequestLines(), Not(Contains("POST /typed")));
 }
 
 // They would load the page before again, in the next one's place.
