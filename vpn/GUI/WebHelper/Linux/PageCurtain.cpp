@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr guint kMomentMilliseconds = 500;
+constexpr guint kLongestWaitMilliseconds = 500;
 
 // The page's scripts do not see this. A frame is drawn before the second call.
 constexpr char kWorld[] = "tkwebhelper";
@@ -75,7 +75,7 @@ void CPageCurtain::OpenSoon() {
     assert(IsMainThread());
     if (m_isClosed) {
         RemoveSource(m_momentSource);
-        m_momentSource = g_timeout_add(kMomentMilliseconds, onMomentOver, this);
+        m_momentSource = g_timeout_add(kLongestWaitMilliseconds, onMomentOver, this);
     }
 }
 
