@@ -210,18 +210,17 @@ TEST_F(WindowAppearanceTest, LooksAsItWouldWithAGraphicsProcessor) {
     const Screenshot without = WindowPicture();
     Keep("never", without);
 
+    // A view without a page: behind one, engine 2.54 loads nothing more after the change.
+    Reset();
     webkit_settings_set_hardware_acceleration_policy(webkit_web_view_get_settings(View()),
                                                      WEBKIT_HARDWARE_ACCELERATION_POLICY_ALWAYS);
-    ServeBody("/empty", "<body style='background: #20a040'>");
-    ShowPage("/empty");
-    ExpectWindow("between", Screenshot::Plain(1000, 600, kGreen));
     ShowPage("/page");
     EXPECT_TRUE(RunMainLoopUntil([&] { return LookTheSame(WindowPicture(), without); }));
     Keep("always", WindowPicture());
     // The second drawing was another one: it has depth, as the engine tells the page.
     EXPECT_TRUE(WaitForRequest("/depth", 2));
-    EXPECT_THAT(m_server.RequestLines(), ElementsAre("GET /page", "GET /depth?false", "GET /empty",
-                                                     "GET /page", "GET /depth?true"));
+    EXPECT_THAT(m_server.RequestLines(),
+                ElementsAre("GET /page", "GET /depth?false", "GET /page", "GET /depth?true"));
 }
 
 // Depth needs a graphics processor. Without one a page shows all it has, flat, and can know it.
