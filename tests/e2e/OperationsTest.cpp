@@ -1,5 +1,8 @@
 // Operations and their results, as an agent and the person at the screen see them.
 
+#include <atomic>
+#include <thread>
+
 #include "Certificates.h"
 #include "HelperTest.h"
 #include "LoopbackPeer.h"
@@ -35,6 +38,31 @@ protected:
         constexpr std::size_t kLinesUntilReady = 2;
         return {lines.begin() + kLinesUntilReady, lines.end()};
     }
+};
+
+/// While it lives, every processor has more to do than it can.
+class BusyProcessors {
+public:
+    BusyProcessors() {
+        for (unsigned i = 0; i < 2 * std::thread::hardware_concurrency(); ++i) {
+            m_threads.emplace_back([this] {
+                while (!m_isOver) {
+                }
+            });
+        }
+    }
+    ~BusyProcessors() {
+        m_isOver = true;
+        for (std::thread& thread : m_threads) {
+            thread.join();
+        }
+    }
+    BusyProcessors(const BusyProcessors&) = delete;
+    BusyProcessors& operator=(const BusyProcessors&) = delete;
+
+private:
+    std::atomic<bool> m_isOver{false};
+    std::vector<std::thread> m_threads;
 };
 
 HttpResponse PageWithCookie(const std::string& cookie) {
@@ -153,6 +181,21 @@ TEST_F(Operations, ResetSaysReadyAgainAndHidesTheWindow) {
     m_server.ServePage("/page", "");
     Browse(m_server.Url("/page"), m_server.Url("/page"));
     EXPECT_EQ(NextResult(), "success");
+}
+
+TEST_F(Operations, ResetGivesTheWindowItsFirstSizeWhateverItsUserDoesMeanwhile) {
+    const BusyProcessors busy;
+    for (int round = 0; round < 10; ++round) {
+        const XWindow window = ShowWaitingPage();
+        Send(R"({"operation":"reset"})");
+        m_screen.Place(window, {140, 100, 700, 450});
+        EXPECT_EQ(NextResult(), "ready");
+        const XWindow next = ShowWaitingPage();
+        ASSERT_TRUE(m_screen.WaitUntil([&] {
+            return m_screen.Geometry(next) == XGeometry{140, 100, 1000, 600};
+        }));
+        Reset();
+    }
 }
 
 TEST_F(Operations, EachGetsItsOwnResultInTheOrderOfArrival) {

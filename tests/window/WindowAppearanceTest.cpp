@@ -152,6 +152,19 @@ TEST_F(WindowAppearanceTest, IsHiddenByAResetAndShownUnzoomedInItsFirstSize) {
     ExpectOneWindowOnly();
 }
 
+TEST_F(WindowAppearanceTest, IsInItsFirstSizeAfterAResetBeforeTheUsersSizeIsKnown) {
+    ShowBody("/page", kBlueBody);
+    ExpectScreen("first", ScreenWithWindow(kBlue));
+    m_screen.Place(OnScreen(), {140, 100, 700, 450});
+    // At once: no event of the X server is handled in between.
+    Browser().Hide();
+    Browser().ResetBrowser();
+
+    ShowPage("/page");
+    ExpectScreen("after", ScreenWithWindow(kBlue));
+    ExpectOneWindowOnly();
+}
+
 TEST_F(WindowAppearanceTest, ShowsThePageOfALinkToANewWindowInItsOwn) {
     ServeBody("/popup", "<body style='background: #20a040'>");
     ShowBody("/page",

@@ -156,6 +156,7 @@ struct GtkBrowserWindow::MainThreadParts {
 
     GObjectPtr<GtkWidget> window;
     GObjectPtr<WebKitWebView> webView;
+    bool isViewNew = true;  // never shown yet
     GObjectPtr<WebKitWebContext> webContext;
     WebKitCookieManager* cookieManager = nullptr;
     std::optional<CCookieStore> cookieStore;
@@ -457,6 +458,7 @@ void GtkBrowserWindow::initWebView() {
     gtk_container_add(GTK_CONTAINER(window), widget);
     gtk_window_set_position(window, GTK_WIN_POS_CENTER);
     gtk_window_resize(window, kWindowWidth, kWindowHeight);
+    m_parts->isViewNew = true;
     RestrictPages(webkit_web_view_get_settings(m_parts->webView.get()));
 }
 
@@ -570,10 +572,22 @@ void GtkBrowserWindow::updateUserAgent(const std::string& userAgent) {
 
 void GtkBrowserWindow::Show() {
     assert(IsMainThread());
+    if (std::exchange(m_parts->isViewNew, false)) {
+        restoreSize();
+    }
     gtk_widget_show_all(m_parts->window.get());
     // It may be shown already, but minimised or covered by another window.
     gtk_window_present(GTK_WINDOW(m_parts->window.get()));
     gtk_widget_grab_focus(GTK_WIDGET(m_parts->webView.get()));
+}
+
+// A size that the user gave the window can arrive after the reset. The toolkit takes it for the
+// window's own, and asks for no other, because it already asked for the first size at the start.
+void GtkBrowserWindow::restoreSize() {
+    GdkWindow* const shownBefore = gtk_widget_get_window(m_parts->window.get());
+    if (shownBefore != nullptr) {
+        gdk_window_resize(shownBefore, kWindowWidth, kWindowHeight);
+    }
 }
 
 void GtkBrowserWindow::Hide() {

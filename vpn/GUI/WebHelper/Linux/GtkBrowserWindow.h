@@ -60,6 +60,7 @@ private:
     void loadWhatWaited();
     void connectWebViewSignals();
     void removeWebView();
+    void restoreSize();
     void updateUserAgent(const std::string& userAgent);
     void carryOut(const CBrowserOperation& operation);
     void queryCookies(const CookieQuery& query);
