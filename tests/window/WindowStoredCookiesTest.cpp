@@ -402,7 +402,12 @@ TEST_F(WindowStoredCookiesTest, ACookieThatBreaksItsNamesPromiseEndsNothing) {
 }
 
 TEST_F(WindowStoredCookiesTest, ACookieThatBreaksItsNamesPromiseIsNoMatchAtTheFinalPage) {
-    m_server.Serve("/page", PageWithCookie("__Secure-sid=forged; Path=/"));
+    // Newer versions of libsoup do not keep the first, and without any cookie nothing ends.
+    m_server.Serve("/page", {200,
+                             "",
+                             "text/html",
+                             {{"Set-Cookie", "__Secure-sid=forged; Path=/"},
+                              {"Set-Cookie", "other=1; Path=/"}}});
     m_secure.ServePage("/page", "hello");
     Send(Operation::Browse(m_server.Url("/page"), m_server.Url("/page")));
     ASSERT_TRUE(WaitForResults(1));
