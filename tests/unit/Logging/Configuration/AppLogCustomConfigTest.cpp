@@ -20,6 +20,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::MatchesRegex;
 using testing::Pair;
 
 using Table = CAppLogCustomConfig::ComponentTable;
@@ -218,8 +219,9 @@ TEST_F(LoadedConfiguration, FailsForAValueThatIsNoWholeNumberAndKeepsEarlierEntr
             EXPECT_EQ(loaded.result, 0xFEDE0009UL) << level;
             EXPECT_THAT(loaded.table, ElementsAre(Pair(1, 3))) << level;
             EXPECT_THAT(loaded.lines,
-                        ElementsAre("E Failed to parse configuration file (conversion of data to "
-                                    "type \"i\" failed)."))
+                        ElementsAre(MatchesRegex(
+                            "E Failed to parse configuration file \\(conversion of data to type "
+                            "\"i(nt)?\" failed\\)\\.")))
                 << level;
         }
     }));
