@@ -5,7 +5,12 @@ source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 "$root/scripts/install-deps.sh" --tests || exit 1
 build release
-"$root/scripts/lint.sh"
+# Each version of the checkers wants another form. The sources have that of Debian 12's.
+if clang-format --version | grep -q 'version 14\.'; then
+    "$root/scripts/lint.sh"
+else
+    step "Form and lint: not checked, because that takes clang 14"
+fi
 # A few seconds for each way in; scripts/fuzz.sh takes longer.
 build fuzz fuzzers
 run_suites fuzz
