@@ -48,6 +48,12 @@ protected:
         EXPECT_EQ(NextResult(), "success");
     }
 
+    void ExpectTold(const std::string& preferences) const {
+        EXPECT_THAT(
+            m_server.RequestLines(),
+            ElementsAre("GET /page", "GET /told?" + preferences + "&font=Serif,20px", "GET /end"));
+    }
+
     TemporaryFolder m_configuration;
 };
 
@@ -60,28 +66,20 @@ INSTANTIATE_TEST_SUITE_P(Pages, DesktopSettings,
 
 TEST_P(DesktopSettings, OfLightColoursAndMotionReachThePage) {
     Show("");
-    EXPECT_THAT(
-        m_server.RequestLines(),
-        ElementsAre("GET /page", "GET /told?dark=false&reduced=false&font=Serif,20px", "GET /end"));
+    ExpectTold("dark=false&reduced=false");
 }
 
 TEST_P(DesktopSettings, OfDarkColoursReachThePage) {
     Show("gtk-application-prefer-dark-theme=true\n");
-    EXPECT_THAT(
-        m_server.RequestLines(),
-        ElementsAre("GET /page", "GET /told?dark=true&reduced=false&font=Serif,20px", "GET /end"));
+    ExpectTold("dark=true&reduced=false");
 }
 
 TEST_P(DesktopSettings, OfADarkThemeReachThePage) {
     Show("", {{"GTK_THEME", "Adwaita:dark"}});
-    EXPECT_THAT(
-        m_server.RequestLines(),
-        ElementsAre("GET /page", "GET /told?dark=true&reduced=false&font=Serif,20px", "GET /end"));
+    ExpectTold("dark=true&reduced=false");
 }
 
 TEST_P(DesktopSettings, OfLessMotionReachThePage) {
     Show("gtk-enable-animations=false\n");
-    EXPECT_THAT(
-        m_server.RequestLines(),
-        ElementsAre("GET /page", "GET /told?dark=false&reduced=true&font=Serif,20px", "GET /end"));
+    ExpectTold("dark=false&reduced=true");
 }
