@@ -23,7 +23,7 @@ packages=(
     fonts-dejavu-core scrot xvfb
 )
 older_engine_packages=(libwebkit2gtk-4.0-dev libsoup2.4-dev)
-newer_engine_packages=(libwebkit2gtk-4.1-dev libsoup-3.0-dev)
+newer_engine_packages=(libwebkit2gtk-4.1-dev libsoup-3.0-dev libgnutls28-dev)
 package_packages=(debhelper lintian)
 test_packages=(
     "${package_packages[@]}" apparmor fakeroot groff-base
@@ -32,6 +32,8 @@ test_packages=(
     libbenchmark-dev libgmock-dev libgtest-dev dbus-bin dbus-daemon
     libnss-wrapper libpng-dev libssl-dev libxcb-xtest0-dev libxcb1-dev locales openssl
     at-spi2-core gir1.2-atspi-2.0 python3 python3-gi weston
+    # smart cards: what stands for one, and the headers of its interface
+    gnutls-bin libp11-kit-dev softhsm2
     binutils clang clang-format clang-tidy cppcheck git libclang-rt-dev llvm
 )
 

@@ -55,7 +55,7 @@ TEST_F(EnvironmentOfTheProgram, CannotHaveThePageInspected) {
 
 TEST_F(EnvironmentOfTheProgram, MayAskForOldTls) {
     TlsIdentity identity = TestCertificate("good");
-    identity.isOutdated = true;
+    identity.version = TlsIdentity::Version::tls1_1;
     HttpServer outdated(identity);
     outdated.ServePage("/", "");
     ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady({{"G_TLS_GNUTLS_PRIORITY", "NORMAL:%COMPAT"}}));

@@ -147,7 +147,7 @@ TEST_F(Operations, ABadCertificateIsRefusedForAllItsReasonsInOrder) {
 
 TEST_F(Operations, AServerThatOnlySpeaksOldTlsIsRefused) {
     TlsIdentity identity = TestCertificate("good");
-    identity.isOutdated = true;
+    identity.version = TlsIdentity::Version::tls1_1;
     const HttpServer outdated(identity);
     Browse(outdated.Url("/"), outdated.Url("/"));
     EXPECT_EQ(NextResult(), "error_unknown");

@@ -18,6 +18,31 @@ bool HttpConnection::Accept() {
     return !m_tls || SSL_accept(m_tls.get()) == 1;
 }
 
+std::string HttpConnection::ClientName() const {
+    const std::unique_ptr<X509, void (*)(X509*)> certificate(
+        m_tls ? SSL_get1_peer_certificate(m_tls.get()) : nullptr, X509_free);
+    std::array<char, 256> name{};
+    if (certificate) {
+        X509_NAME_get_text_by_NID(X509_get_subject_name(certificate.get()), NID_commonName,
+                                  name.data(), static_cast<int>(name.size()));
+    }
+    return name.data();
+}
+
+bool HttpConnection::AskForClient() {
+    // Whoever signed it.
+    SSL_set_verify(m_tls.get(), SSL_VERIFY_PEER, [](int, X509_STORE_CTX*) { return 1; });
+    // Reading then ends behind each piece of the handshake.
+    SSL_clear_mode(m_tls.get(), SSL_MODE_AUTO_RETRY);
+    bool isGoingOn = SSL_renegotiate(m_tls.get()) == 1 && SSL_do_handshake(m_tls.get()) == 1;
+    while (isGoingOn && SSL_renegotiate_pending(m_tls.get()) != 0) {
+        char byte = 0;
+        isGoingOn =
+            SSL_get_error(m_tls.get(), SSL_peek(m_tls.get(), &byte, 1)) == SSL_ERROR_WANT_READ;
+    }
+    return isGoingOn;
+}
+
 std::string HttpConnection::Read() {
     std::array<char, 4096> buffer{};
     const ssize_t length =

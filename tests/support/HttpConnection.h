@@ -18,6 +18,10 @@ public:
 
     /// False when the client gave up the handshake.
     [[nodiscard]] bool Accept();
+    /// The common name in the client's certificate; empty if it has shown none.
+    [[nodiscard]] std::string ClientName() const;
+    /// Asks for that certificate in a second handshake. False when the client refuses.
+    [[nodiscard]] bool AskForClient();
     /// Returns what has come, or an empty text at the end.
     [[nodiscard]] std::string Read();
     /// False when the client is gone.

@@ -14,6 +14,7 @@ struct HttpRequest {
     std::string target;  ///< path and query
     HttpHeaders headers;
     std::string body;
+    std::string client = {};  ///< the common name in the certificate that the client has shown
 
     /// The first header of that name, whatever its letter case, or an empty text.
     [[nodiscard]] std::string Header(const std::string& name) const;

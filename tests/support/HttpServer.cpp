@@ -15,6 +15,21 @@
 
 namespace {
 
+// A session that is taken up again would not ask.
+void AskForClients(SSL_CTX* context, const TlsIdentity& identity) {
+    const char* const authorities = identity.clientAuthorities.c_str();
+    if (SSL_CTX_load_verify_locations(context, authorities, nullptr) != 1) {
+        throw std::runtime_error("cannot use " + identity.clientAuthorities);
+    }
+    SSL_CTX_set_client_CA_list(context, SSL_load_client_CA_file(authorities));
+    SSL_CTX_set_verify(
+        context, SSL_VERIFY_PEER | (identity.needsClient ? SSL_VERIFY_FAIL_IF_NO_PEER_CERT : 0),
+        nullptr);
+    SSL_CTX_set_session_cache_mode(context, SSL_SESS_CACHE_OFF);
+    SSL_CTX_set_options(context, SSL_OP_NO_TICKET);
+    SSL_CTX_set_num_tickets(context, 0);
+}
+
 std::shared_ptr<SSL_CTX> MakeContext(const TlsIdentity& identity) {
     if (identity.certificate.empty()) {
         return nullptr;
@@ -24,10 +39,15 @@ std::shared_ptr<SSL_CTX> MakeContext(const TlsIdentity& identity) {
         SSL_CTX_use_PrivateKey_file(context.get(), identity.key.c_str(), SSL_FILETYPE_PEM) != 1) {
         throw std::runtime_error("cannot use certificate " + identity.certificate);
     }
-    if (identity.isOutdated) {
+    if (identity.version == TlsIdentity::Version::tls1_1) {
         SSL_CTX_set_max_proto_version(context.get(), TLS1_1_VERSION);
         // The library's own level has no cipher left for such a version.
         SSL_CTX_set_cipher_list(context.get(), "DEFAULT:@SECLEVEL=0");
+    } else if (identity.version == TlsIdentity::Version::tls1_2) {
+        SSL_CTX_set_max_proto_version(context.get(), TLS1_2_VERSION);
+    }
+    if (!identity.clientAuthorities.empty()) {
+        AskForClients(context.get(), identity);
     }
     return context;
 }
@@ -70,6 +90,12 @@ void HttpExchange::Respond(const HttpResponse& response) {
 
 void HttpExchange::SendRaw(const std::string& bytes) {
     m_connection.Write(bytes);
+}
+
+bool HttpExchange::AskForClient() {
+    const bool isDone = m_connection.AskForClient();
+    m_request.client = m_connection.ClientName();
+    return isDone;
 }
 
 void HttpExchange::WaitForRelease() {
@@ -208,7 +234,8 @@ void HttpServer::Answer(HttpConnection& connection) {
             return;
         }
     }
-    const HttpRequest request = reader.Take();
+    HttpRequest request = reader.Take();
+    request.client = connection.ClientName();
     HttpExchange exchange(*this, connection, request);
     Record(request)(exchange);
     connection.Finish();

@@ -32,6 +32,9 @@ public:
     void Respond(const HttpResponse& response);
     /// Sends bytes as they are. The connection ends properly after the handler has returned.
     void SendRaw(const std::string& bytes);
+    /// Asks in the middle of the connection, of TLS 1.2 at most, for the client's certificate.
+    /// False when the client ends the connection over that.
+    [[nodiscard]] bool AskForClient();
     /// Blocks until the server's Release() of this request's path, or until the server ends.
     void WaitForRelease();
     /// Ends the connection without notice.

@@ -30,6 +30,9 @@ int RunWindowTests(int argc, char** argv, const TestDesktop& desktop) {
     }
     PrivateWorld world;
     world.trustedCertificates = TestAuthority();
+    if (!desktop.tokenModules.empty()) {
+        world.coveredFiles["/usr/share/p11-kit/modules"] = desktop.tokenModules;
+    }
     if (!EnterPrivateWorld(world)) {
         return EXIT_FAILURE;
     }

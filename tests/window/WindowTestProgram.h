@@ -8,6 +8,8 @@ struct TestDesktop {
     std::string screen = "1280x800x24";
     /// What stands in the user's settings file of the toolkit; empty makes no file.
     std::string toolkitSettings = {};
+    /// The folder that describes the machine's smart-card modules; empty leaves the machine's.
+    std::string tokenModules = {};
 };
 
 /// Runs the suite's cases in a private world, on a display of its own. Gives the exit status.
