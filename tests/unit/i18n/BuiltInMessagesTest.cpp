@@ -9,7 +9,24 @@ TEST(BuiltInMessages, NameTheProductAndItsLoginWindow) {
     EXPECT_EQ(kLoginWindowTitle, "Velto Tunnelkeep Login");
 }
 
+TEST(BuiltInMessages, AskForACertificateAndItsPin) {
+    EXPECT_EQ(kCertificateDialogTitle, "Choose a Certificate");
+    EXPECT_EQ(kCertificateQuestion,
+              "The site %s asks for your certificate, which tells the site who you are.");
+    EXPECT_EQ(kCertificateIssuer, "Issued by %s");
+    EXPECT_EQ(kCertificateValidity, "Valid from %s to %s");
+    EXPECT_EQ(kCertificateToken, "On %s");
+    EXPECT_EQ(kPinDialogTitle, "Enter the PIN");
+    EXPECT_EQ(kPinQuestion, "Enter the PIN of %s.");
+    EXPECT_EQ(kPinWrong, "The PIN was wrong. Wrong PINs so far: %s.");
+    EXPECT_EQ(kPinFewTries, "Only a few tries are left.");
+    EXPECT_EQ(kPinLastTry, "Only one try is left. After another wrong PIN the card is locked.");
+}
+
 TEST(BuiltInMessages, MarkMnemonics) {
+    EXPECT_EQ(kCancelMnemonic, "_Cancel");
+    EXPECT_EQ(kUseCertificateMnemonic, "_Use This Certificate");
+    EXPECT_EQ(kContinueMnemonic, "C_ontinue");
     EXPECT_EQ(kGetCertificateMnemonic, "_Get Certificate");
     EXPECT_EQ(kDisconnectMnemonic, "_Disconnect");
     EXPECT_EQ(kConnectMnemonic, "_Connect");

@@ -10,7 +10,32 @@ const std::string kLoginWindowTitle = "Velto Tunnelkeep Login";
 // Translators: in the dialog that asks for a name and a password, after a first try.
 const std::string kSignInRefused = "The user name or the password was wrong. Please try again.";
 
+// Translators: in the dialog that asks which certificate to show to a web site.
+const std::string kCertificateDialogTitle = "Choose a Certificate";
+// Translators: %s is the site's host and port.
+const std::string kCertificateQuestion =
+    "The site %s asks for your certificate, which tells the site who you are.";
+// Translators: %s is the name of who issued the certificate.
+const std::string kCertificateIssuer = "Issued by %s";
+// Translators: the first %s is the first day, the second %s the last one.
+const std::string kCertificateValidity = "Valid from %s to %s";
+// Translators: %s is the name of the smart card or of another token.
+const std::string kCertificateToken = "On %s";
+
+// Translators: in the dialog that asks for the PIN of a smart card.
+const std::string kPinDialogTitle = "Enter the PIN";
+// Translators: %s is the name of the smart card or of another token.
+const std::string kPinQuestion = "Enter the PIN of %s.";
+// Translators: %s is a number.
+const std::string kPinWrong = "The PIN was wrong. Wrong PINs so far: %s.";
+// Translators: the smart card does not tell how many.
+const std::string kPinFewTries = "Only a few tries are left.";
+const std::string kPinLastTry = "Only one try is left. After another wrong PIN the card is locked.";
+
 // Translators: the letter after "_" presses the button, together with Alt.
+const std::string kCancelMnemonic = "_Cancel";
+const std::string kUseCertificateMnemonic = "_Use This Certificate";
+const std::string kContinueMnemonic = "C_ontinue";
 const std::string kGetCertificateMnemonic = "_Get Certificate";
 const std::string kDisconnectMnemonic = "_Disconnect";
 const std::string kConnectMnemonic = "_Connect";

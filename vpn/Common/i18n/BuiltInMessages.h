@@ -11,8 +11,21 @@
 extern const std::string kProductFullName;
 extern const std::string kLoginWindowTitle;
 extern const std::string kSignInRefused;
+extern const std::string kCertificateDialogTitle;
+extern const std::string kCertificateQuestion;
+extern const std::string kCertificateIssuer;
+extern const std::string kCertificateValidity;
+extern const std::string kCertificateToken;
+extern const std::string kPinDialogTitle;
+extern const std::string kPinQuestion;
+extern const std::string kPinWrong;
+extern const std::string kPinFewTries;
+extern const std::string kPinLastTry;
 
 // Labels with a mnemonic, marked by "_".
+extern const std::string kCancelMnemonic;
+extern const std::string kUseCertificateMnemonic;
+extern const std::string kContinueMnemonic;
 extern const std::string kGetCertificateMnemonic;
 extern const std::string kDisconnectMnemonic;
 extern const std::string kConnectMnemonic;
