@@ -82,4 +82,21 @@ TEST_F(OperationJournalTest, TellsOnceInEachOperationThatAWindowWasRefused) {
                             "I A page asked for a second window: about:"));
 }
 
+TEST_F(OperationJournalTest, TellsEachAnswerToASiteOnceInEachOperation) {
+    Begin(BrowserOperationType::browse, "https://vpn.example/");
+    m_journal.OnCertificateRequested("vpn.example:443", true);
+    m_journal.OnCertificateRequested("vpn.example:443", true);
+    m_journal.OnCertificateRequested("idp.example:8443", false);
+    m_journal.OnCertificateRequested("vpn.example:443", false);
+    Begin(BrowserOperationType::browse, "https://vpn.example/");
+    m_journal.OnCertificateRequested("vpn.example:443", false);
+    EXPECT_THAT(m_log.JournalLines(),
+                ElementsAre("I Operation browse begins: https://vpn.example, not shown",
+                            "I A site asked for a certificate: vpn.example:443, given",
+                            "I A site asked for a certificate: idp.example:8443, not given",
+                            "I A site asked for a certificate: vpn.example:443, not given",
+                            "I Operation browse begins: https://vpn.example, not shown",
+                            "I A site asked for a certificate: vpn.example:443, not given"));
+}
+
 }  // namespace

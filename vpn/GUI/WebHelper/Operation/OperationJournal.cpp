@@ -25,6 +25,7 @@ void COperationJournal::OnBegin(const IBrowserOperation& operation) {
     const BrowserOperationType type = operation.GetOperationType();
     m_running = {type, steady_clock::now()};
     m_isRefusalKnown = false;
+    m_certificates.clear();
     const char* const name = OperationTypeNames.at(type).c_str();
     if (type == BrowserOperationType::reset) {
         TK_LOG_INFORMATION_OF("handleOperationCB", "Operation %s begins", name);
@@ -51,4 +52,14 @@ void COperationJournal::OnWindowRefused(const std::string& uri) {
         TK_LOG_INFORMATION_OF("onCreate", "A page asked for a second window: %s",
                               NamedPlace(uri).c_str());
     }
+}
+
+void COperationJournal::OnCertificateRequested(const std::string& site, bool isGiven) {
+    const auto known = m_certificates.find(site);
+    if (known != m_certificates.end() && known->second == isGiven) {
+        return;
+    }
+    m_certificates[site] = isGiven;
+    TK_LOG_INFORMATION_OF("onAuthenticate", "A site asked for a certificate: %s, %s", site.c_str(),
+                          isGiven ? "given" : "not given");
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <map>
 #include <optional>
 #include <string>
 
@@ -21,6 +22,10 @@ public:
     /// during an operation is shown, because a page can ask without end.
     void OnWindowRefused(const std::string& uri);
 
+    /// A site, by host and port, asked for the person's certificate, and is given one or not. The
+    /// same answer is shown once during an operation, because each connection asks.
+    void OnCertificateRequested(const std::string& site, bool isGiven);
+
 private:
     struct Running {
         BrowserOperationType type;
@@ -29,4 +34,6 @@ private:
 
     std::optional<Running> m_running;
     bool m_isRefusalKnown = false;
+    // By site, whether it was given one.
+    std::map<std::string, bool> m_certificates;
 };
