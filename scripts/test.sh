@@ -16,8 +16,10 @@ build fuzz fuzzers
 run_suites fuzz
 # All that differs between the engine's two APIs goes through these suites.
 if [ "$("$root/scripts/engine-api.sh")" = 4.0 ]; then
-    build release-4.1 tkwebhelper page_rules_tests window_cookie_header_tests
-    run_suites release-4.1 --tests-regex '^(page_rules|window_cookie_header)_tests\.'
+    build release-4.1 tkwebhelper page_rules_tests window_cookie_header_tests \
+        window_certificate_tests e2e_certificate_tests
+    run_suites release-4.1 --tests-regex \
+        '^(page_rules|window_cookie_header|window_certificate|e2e_certificate)_tests\.'
     TK_HELPER="$root/build/release-4.1/bin/tkwebhelper" \
         GTEST_FILTER='LoadedLibraries.*:Operations.*:Proxy.*:Replacement.*' \
         run_suites release --tests-regex '^e2e_tests\.'

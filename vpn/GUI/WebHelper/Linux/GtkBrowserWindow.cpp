@@ -14,6 +14,7 @@
 #include "Accelerators.h"
 #include "AppLog.h"
 #include "BuiltInMessages.h"
+#include "CertificateRequests.h"
 #include "CookieStorage.h"
 #include "CookieStore.h"
 #include "GObjectPtr.h"
@@ -161,13 +162,14 @@ struct GtkBrowserWindow::MainThreadParts {
     WebKitCookieManager* cookieManager = nullptr;
     std::optional<CCookieStore> cookieStore;
     GObjectPtr<GtkAccelGroup> acceleratorGroup;
+    COperationJournal journal;
+    std::optional<CCertificateRequests> certificateRequests;
     std::optional<CPageGuard> pageGuard;
     std::optional<CPageCurtain> pageCurtain;
     std::optional<CLoadIndicator> loadIndicator;
     std::optional<CWheelZoom> wheelZoom;
     OperationPort port;
     CPageOperation operation;
-    COperationJournal journal;
     guint timeoutSource = 0;
     guint loadStoppedSource = 0;
     std::optional<CWebsiteDataRemoval> dataRemoval;
@@ -448,13 +450,14 @@ void GtkBrowserWindow::initWebView() {
     GtkWidget* const widget = webkit_web_view_new_with_context(m_parts->webContext.get());
     m_parts->webView.reset(WEBKIT_WEB_VIEW(g_object_ref_sink(widget)));
     connectWebViewSignals();
+    GtkWindow* const window = GTK_WINDOW(m_parts->window.get());
+    m_parts->certificateRequests.emplace(window, m_parts->webView.get(), m_parts->journal);
     m_parts->pageGuard.emplace(m_parts->webView.get());
     CompletePasswordDialogs(m_parts->webView.get());
     m_parts->pageCurtain.emplace(m_parts->webView.get());
     m_parts->loadIndicator.emplace(m_parts->window.get(), m_parts->webView.get());
     m_parts->wheelZoom.emplace(m_parts->webView.get());
     gtk_drag_dest_unset(widget);
-    GtkWindow* const window = GTK_WINDOW(m_parts->window.get());
     gtk_container_add(GTK_CONTAINER(window), widget);
     gtk_window_set_position(window, GTK_WIN_POS_CENTER);
     gtk_window_resize(window, kWindowWidth, kWindowHeight);
@@ -493,6 +496,7 @@ void GtkBrowserWindow::removeWebView() {
     m_parts->loadIndicator.reset();
     m_parts->pageCurtain.reset();
     m_parts->pageGuard.reset();
+    m_parts->certificateRequests.reset();
     m_parts->operation.OnViewReplaced();
     m_parts->loadAfterRemoval.reset();
     // Also while a call to its page, which holds a reference, is not answered.

@@ -1,0 +1,310 @@
+#include "CertificateRequests.h"
+
+#include <algorithm>
+#include <cassert>
+#include <deque>
+#include <map>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "CertificateDialog.h"
+#include "GObjectPtr.h"
+#include "MainLoopSource.h"
+#include "MainThread.h"
+#include "OperationJournal.h"
+#include "PinDialog.h"
+#include "TlsCertificate.h"
+#include "TokenListing.h"
+
+namespace {
+
+struct CredentialFree {
+    void operator()(WebKitCredential* credential) const { webkit_credential_free(credential); }
+};
+using CredentialPtr = std::unique_ptr<WebKitCredential, CredentialFree>;
+
+bool IsForCertificate(WebKitAuthenticationRequest* request) {
+    return webkit_authentication_request_get_scheme(request) ==
+           WEBKIT_AUTHENTICATION_SCHEME_CLIENT_CERTIFICATE_REQUESTED;
+}
+
+bool IsForPin(WebKitAuthenticationRequest* request) {
+    return webkit_authentication_request_get_scheme(request) ==
+           WEBKIT_AUTHENTICATION_SCHEME_CLIENT_CERTIFICATE_PIN_REQUESTED;
+}
+
+// Host and port.
+std::string SiteOf(WebKitAuthenticationRequest* request) {
+    const std::string host = webkit_authentication_request_get_host(request);
+    const bool isIpv6 = host.find(':') != std::string::npos && host.front() != '[';
+    return (isIpv6 ? "[" + host + "]" : host) + ":" +
+           std::to_string(webkit_authentication_request_get_port(request));
+}
+
+void Authenticate(WebKitAuthenticationRequest* request, CredentialPtr credential) {
+    webkit_authentication_request_authenticate(request, credential.get());
+}
+
+PinTries::Left TriesLeft(WebKitAuthenticationRequest* request) {
+    const GTlsPasswordFlags flags =
+        webkit_authentication_request_get_certificate_pin_flags(request);
+    if ((flags & G_TLS_PASSWORD_FINAL_TRY) != 0) {
+        return PinTries::Left::one;
+    }
+    return (flags & G_TLS_PASSWORD_MANY_TRIES) != 0 ? PinTries::Left::few : PinTries::Left::enough;
+}
+
+}  // namespace
+
+/// Takes the requests one by one: there is at most one dialog.
+class CCertificateRequests::Desk {
+public:
+    Desk(GtkWindow* window, WebKitWebView* webView, COperationJournal& journal);
+    ~Desk();
+    Desk(const Desk&) = delete;
+    Desk& operator=(const Desk&) = delete;
+
+private:
+    using RequestPtr = GObjectPtr<WebKitAuthenticationRequest>;
+    /// Nothing means that the person goes without one.
+    using Choice = std::optional<TokenCertificate>;
+
+    void serve();
+    void ask();
+    void askForCertificate();
+    void askForPin(const TokenCertificate& certificate);
+    void choose(const Choice& choice);
+    void give(const Choice& choice);
+    void givePin(const char* pin);
+    void goWithoutPin();
+    void refuse(WebKitAuthenticationRequest* request);
+    void refuseAll();
+    void stopAsking();
+    RequestPtr take();
+
+    static gboolean onAuthenticate(WebKitWebView* webView, WebKitAuthenticationRequest* request,
+                                   Desk* self);
+    static void onCancelled(WebKitAuthenticationRequest* request, Desk* self);
+    static void onLoadChanged(WebKitWebView* webView, WebKitLoadEvent event, Desk* self);
+    static gboolean onLoadFailed(WebKitWebView* webView, WebKitLoadEvent event,
+                                 const char* failingUri, GError* error, Desk* self);
+    static gboolean onLoadAgain(gpointer self);
+    static void onUnmap(GtkWidget* webView, Desk* self);
+
+    GtkWindow* m_window;
+    WebKitWebView* m_webView;
+    COperationJournal& m_journal;
+    // The first one is being served.
+    std::deque<RequestPtr> m_requests;
+    std::map<std::string, Choice> m_choices;
+    std::optional<CTokenListing> m_listing;
+    std::optional<CCertificateDialog> m_certificateDialog;
+    std::optional<CPinDialog> m_pinDialog;
+    PinTries m_tries;
+    // A request was cancelled, and the engine cancels the load with it, if it is the page's.
+    bool m_isLoadLost = false;
+    std::string m_lostUri;
+    guint m_loadAgainSource = 0;
+};
+
+CCertificateRequests::Desk::Desk(GtkWindow* window, WebKitWebView* webView,
+                                 COperationJournal& journal)
+    : m_window(window), m_webView(webView), m_journal(journal) {
+    assert(IsMainThread());
+    g_signal_connect(m_webView, "authenticate", G_CALLBACK(onAuthenticate), this);
+    g_signal_connect(m_webView, "load-changed", G_CALLBACK(onLoadChanged), this);
+    g_signal_connect(m_webView, "load-failed", G_CALLBACK(onLoadFailed), this);
+    g_signal_connect(m_webView, "unmap", G_CALLBACK(onUnmap), this);
+}
+
+CCertificateRequests::Desk::~Desk() {
+    assert(IsMainThread());
+    g_signal_handlers_disconnect_by_data(m_webView, this);
+    refuseAll();
+    RemoveSource(m_loadAgainSource);
+}
+
+gboolean CCertificateRequests::Desk::onAuthenticate(WebKitWebView* webView,
+                                                    WebKitAuthenticationRequest* request,
+                                                    Desk* self) {
+    if (!IsForCertificate(request) && !IsForPin(request)) {
+        return FALSE;
+    }
+    if (gtk_widget_get_mapped(GTK_WIDGET(webView)) == FALSE) {
+        self->refuse(request);
+        return TRUE;
+    }
+    g_signal_connect(request, "cancelled", G_CALLBACK(onCancelled), self);
+    self->m_requests.emplace_back(WEBKIT_AUTHENTICATION_REQUEST(g_object_ref(request)));
+    self->serve();
+    return TRUE;
+}
+
+void CCertificateRequests::Desk::serve() {
+    while (!m_requests.empty() && !m_listing && !m_certificateDialog && !m_pinDialog) {
+        WebKitAuthenticationRequest* const request = m_requests.front().get();
+        const auto known = m_choices.find(SiteOf(request));
+        if (IsForCertificate(request)) {
+            known == m_choices.end() ? askForCertificate() : give(known->second);
+        } else if (known != m_choices.end() && known->second) {
+            askForPin(*known->second);
+        } else {
+            refuse(take().get());
+        }
+    }
+}
+
+void CCertificateRequests::Desk::askForCertificate() {
+    m_listing.emplace([this](const std::vector<TokenCertificate>& certificates) {
+        m_listing.reset();
+        if (certificates.empty()) {
+            choose(std::nullopt);
+            return;
+        }
+        m_certificateDialog.emplace(
+            m_window, SiteOf(m_requests.front().get()), certificates,
+            [this, certificates](std::optional<std::size_t> number) {
+                m_certificateDialog.reset();
+                choose(number ? Choice(certificates[*number]) : std::nullopt);
+            });
+    });
+}
+
+void CCertificateRequests::Desk::choose(const Choice& choice) {
+    m_choices[SiteOf(m_requests.front().get())] = choice;
+    serve();
+}
+
+void CCertificateRequests::Desk::give(const Choice& choice) {
+    const GObjectPtr<GTlsCertificate> certificate = choice ? NewTlsCertificate(*choice) : nullptr;
+    if (!certificate) {
+        refuse(take().get());
+        return;
+    }
+    const RequestPtr request = take();
+    m_journal.OnCertificateRequested(SiteOf(request.get()), true);
+    // The engine would keep it past a reset, and with it the PIN.
+    Authenticate(request.get(), CredentialPtr(webkit_credential_new_for_certificate(
+                                    certificate.get(), WEBKIT_CREDENTIAL_PERSISTENCE_NONE)));
+}
+
+void CCertificateRequests::Desk::askForPin(const TokenCertificate& certificate) {
+    WebKitAuthenticationRequest* const request = m_requests.front().get();
+    const bool isRetry = webkit_authentication_request_is_retry(request) != FALSE;
+    if (isRetry && m_tries.left == PinTries::Left::one) {
+        goWithoutPin();  // the token has locked itself, and says no more than that this was wrong
+        return;
+    }
+    m_tries = {isRetry ? m_tries.wrong + 1 : 0, TriesLeft(request)};
+    m_pinDialog.emplace(m_window, certificate.token, m_tries, [this](const char* pin) {
+        if (pin != nullptr) {
+            givePin(pin);
+        } else {
+            goWithoutPin();
+        }
+        m_pinDialog.reset();
+        serve();
+    });
+}
+
+void CCertificateRequests::Desk::givePin(const char* pin) {
+    Authenticate(take().get(), CredentialPtr(webkit_credential_new_for_certificate_pin(
+                                   pin, WEBKIT_CREDENTIAL_PERSISTENCE_NONE)));
+}
+
+void CCertificateRequests::Desk::goWithoutPin() {
+    const RequestPtr request = take();
+    m_choices[SiteOf(request.get())] = std::nullopt;
+    m_isLoadLost = true;
+    refuse(request.get());
+}
+
+// Without a PIN the engine would try an empty one, again and again, until the token locks itself.
+void CCertificateRequests::Desk::refuse(WebKitAuthenticationRequest* request) {
+    if (IsForPin(request)) {
+        webkit_authentication_request_cancel(request);
+        return;
+    }
+    m_journal.OnCertificateRequested(SiteOf(request), false);
+    webkit_authentication_request_authenticate(request, nullptr);
+}
+
+void CCertificateRequests::Desk::refuseAll() {
+    stopAsking();
+    while (!m_requests.empty()) {
+        refuse(take().get());
+    }
+}
+
+void CCertificateRequests::Desk::stopAsking() {
+    m_listing.reset();
+    m_certificateDialog.reset();
+    m_pinDialog.reset();
+}
+
+// The first request leaves the queue, to be answered.
+CCertificateRequests::Desk::RequestPtr CCertificateRequests::Desk::take() {
+    RequestPtr request = std::move(m_requests.front());
+    m_requests.pop_front();
+    g_signal_handlers_disconnect_by_data(request.get(), this);
+    return request;
+}
+
+// By the engine, because of another load, or because it asked before it told of the load's start.
+void CCertificateRequests::Desk::onCancelled(WebKitAuthenticationRequest* request, Desk* self) {
+    g_signal_handlers_disconnect_by_data(request, self);
+    const bool isServed = self->m_requests.front().get() == request;
+    self->m_requests.erase(
+        std::find_if(self->m_requests.begin(), self->m_requests.end(),
+                     [&](const RequestPtr& other) { return other.get() == request; }));
+    self->m_isLoadLost = true;
+    if (isServed) {
+        self->stopAsking();
+        self->serve();
+    }
+}
+
+void CCertificateRequests::Desk::onLoadChanged(WebKitWebView* /*webView*/, WebKitLoadEvent event,
+                                               Desk* self) {
+    if (event == WEBKIT_LOAD_STARTED) {
+        // They belong to the page before.
+        self->refuseAll();
+        RemoveSource(self->m_loadAgainSource);
+    } else if (event == WEBKIT_LOAD_COMMITTED) {
+        self->m_isLoadLost = false;
+    }
+}
+
+gboolean CCertificateRequests::Desk::onLoadFailed(WebKitWebView* webView, WebKitLoadEvent /*event*/,
+                                                  const char* failingUri, GError* error,
+                                                  Desk* self) {
+    const bool isCancelled =
+        g_error_matches(error, WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED) != FALSE;
+    const bool isReplaced = webkit_web_view_is_loading(webView) != FALSE;
+    if (std::exchange(self->m_isLoadLost, false) && isCancelled && !isReplaced) {
+        self->m_lostUri = failingUri;
+        RemoveSource(self->m_loadAgainSource);
+        // Not before the engine has told that the lost load is over. Operations come later.
+        self->m_loadAgainSource = g_idle_add_full(G_PRIORITY_DEFAULT, onLoadAgain, self, nullptr);
+    }
+    return FALSE;
+}
+
+gboolean CCertificateRequests::Desk::onLoadAgain(gpointer self) {
+    Desk* const desk = static_cast<Desk*>(self);
+    desk->m_loadAgainSource = 0;
+    webkit_web_view_load_uri(desk->m_webView, desk->m_lostUri.c_str());
+    return G_SOURCE_REMOVE;
+}
+
+void CCertificateRequests::Desk::onUnmap(GtkWidget* /*webView*/, Desk* self) {
+    self->refuseAll();
+}
+
+CCertificateRequests::CCertificateRequests(GtkWindow* window, WebKitWebView* webView,
+                                           COperationJournal& journal)
+    : m_desk(std::make_unique<Desk>(window, webView, journal)) {}
+
+CCertificateRequests::~CCertificateRequests() = default;
