@@ -140,6 +140,13 @@ void webkit_web_view_load_uri(WebKitWebView* view, const gchar* uri) {
     next(view, uri);
 }
 
+// With the engine's newer API the window uses this one. It counts under the other's name.
+void webkit_web_view_load_request(WebKitWebView* view, WebKitURIRequest* request) {
+    static auto* const next = Next<decltype(webkit_web_view_load_request)>(__func__);
+    const Call call("webkit_web_view_load_uri", __builtin_return_address(0));
+    next(view, request);
+}
+
 const gchar* webkit_web_view_get_uri(WebKitWebView* view) {
     static auto* const next = Next<decltype(webkit_web_view_get_uri)>(__func__);
     const Call call(__func__, __builtin_return_address(0));

@@ -88,6 +88,10 @@ void webkit_web_view_load_uri(WebKitWebView* view, const gchar* uri) {
     ScriptedEngineFunctions::Load(view, uri);
 }
 
+void webkit_web_view_load_request(WebKitWebView* view, WebKitURIRequest* request) {
+    ScriptedEngineFunctions::Load(view, webkit_uri_request_get_uri(request));
+}
+
 void webkit_web_view_stop_loading(WebKitWebView* /*view*/) {
     ScriptedEngineFunctions::Forget();
 }

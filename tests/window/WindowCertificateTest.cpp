@@ -307,6 +307,8 @@ TEST_F(WindowCertificateTest, IsChosenOnceForASite) {
     ASSERT_TRUE(WaitForResults(2));
     EXPECT_THAT(Results(), ElementsAre("success", "success"));
     EXPECT_THAT(Clients(m_site), ElementsAre("Alice", "Alice"));
+    // No load was lost over a connection that cannot ask.
+    EXPECT_THAT(LogLines(), IsEmpty());
 }
 
 TEST_F(WindowCertificateTest, IsRefusedOnceForASite) {

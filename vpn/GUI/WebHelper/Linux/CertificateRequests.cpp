@@ -1,5 +1,7 @@
 #include "CertificateRequests.h"
 
+#include <libsoup/soup.h>
+
 #include <algorithm>
 #include <cassert>
 #include <deque>
@@ -295,7 +297,7 @@ gboolean CCertificateRequests::Desk::onLoadFailed(WebKitWebView* webView, WebKit
 gboolean CCertificateRequests::Desk::onLoadAgain(gpointer self) {
     Desk* const desk = static_cast<Desk*>(self);
     desk->m_loadAgainSource = 0;
-    webkit_web_view_load_uri(desk->m_webView, desk->m_lostUri.c_str());
+    LoadPageThatMayAsk(desk->m_webView, desk->m_lostUri);
     return G_SOURCE_REMOVE;
 }
 
@@ -308,3 +310,16 @@ CCertificateRequests::CCertificateRequests(GtkWindow* window, WebKitWebView* web
     : m_desk(std::make_unique<Desk>(window, webView, journal)) {}
 
 CCertificateRequests::~CCertificateRequests() = default;
+
+// When a program asks for a load, the engine connects beforehand, and the load waits for that. But
+// such a connection cannot ask for a certificate: the load would wait for ten seconds and then
+// fail. It waits only for a connection that has its own user agent. So the request is given another
+// one, which the engine replaces by the right one before it sends the request.
+void LoadPageThatMayAsk(WebKitWebView* webView, const std::string& uri) {
+    const GObjectPtr<WebKitURIRequest> request(webkit_uri_request_new(uri.c_str()));
+    SoupMessageHeaders* const headers = webkit_uri_request_get_http_headers(request.get());
+    if (headers != nullptr) {
+        soup_message_headers_replace(headers, "User-Agent", "none");
+    }
+    webkit_web_view_load_request(webView, request.get());
+}

@@ -3,6 +3,7 @@
 #include <webkit2/webkit2.h>
 
 #include <memory>
+#include <string>
 
 class COperationJournal;
 
@@ -26,3 +27,6 @@ private:
     class Desk;
     std::unique_ptr<Desk> m_desk;
 };
+
+/// Loads a page whose site may ask for a certificate. Main thread only.
+void LoadPageThatMayAsk(WebKitWebView* webView, const std::string& uri);

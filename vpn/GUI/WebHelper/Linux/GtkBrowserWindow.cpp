@@ -182,7 +182,7 @@ void GtkBrowserWindow::OperationPort::Load(const std::string& url) {
     if (parts.dataRemoval->IsGoingOn()) {
         parts.loadAfterRemoval = url;
     } else {
-        webkit_web_view_load_uri(parts.webView.get(), url.c_str());
+        LoadPageThatMayAsk(parts.webView.get(), url);
     }
 }
 
@@ -442,7 +442,7 @@ void GtkBrowserWindow::init(GtkApplication* application) {
 void GtkBrowserWindow::loadWhatWaited() {
     if (m_parts->loadAfterRemoval) {
         const std::string url = *std::exchange(m_parts->loadAfterRemoval, std::nullopt);
-        webkit_web_view_load_uri(m_parts->webView.get(), url.c_str());
+        LoadPageThatMayAsk(m_parts->webView.get(), url);
     }
 }
 

@@ -8,3 +8,7 @@ CCertificateRequests::CCertificateRequests(GtkWindow* /*window*/, WebKitWebView*
                                            COperationJournal& /*journal*/) {}
 
 CCertificateRequests::~CCertificateRequests() = default;
+
+void LoadPageThatMayAsk(WebKitWebView* webView, const std::string& uri) {
+    webkit_web_view_load_uri(webView, uri.c_str());
+}
