@@ -183,7 +183,7 @@ TEST_F(CertificateAccessibility, ReadsTheQuestion) {
     EXPECT_THAT(tree, HasSubstr("The site 127.0.0.1:" + std::to_string(m_site.Port()) +
                                 " asks for your certificate"));
     EXPECT_THAT(tree, HasSubstr("list item|Alice, Issued by Test authority of people, "
-                                "Valid from 01/01/20 to 01/01/20, On alice|"));
+                                "Valid from 2020-01-01 to 2120-01-01, On alice|"));
     EXPECT_THAT(tree, testing::ContainsRegex("(push )?button\\|Use This Certificate\\|"));
 }
 

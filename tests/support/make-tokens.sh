@@ -13,9 +13,10 @@ cd "$folder"
 export SOFTHSM2_CONF=$folder/softhsm2.conf GNUTLS_PIN=1234
 printf 'directories.tokendir = %s/tokens\nlog.level = ERROR\n' "$folder" >softhsm2.conf
 
-long_ago=20200101000000Z
+# At noon, which is the same day nearly everywhere.
+long_ago=20200101120000Z
 not_so_long_ago=20200201000000Z
-far_away=21200101000000Z
+far_away=21200101120000Z
 serial=1
 
 # key NAME

@@ -169,7 +169,7 @@ TEST_F(WindowCertificateTest, IsConfirmedEvenIfThereIsOnlyOne) {
                 ElementsAre("The site 127.0.0.1:" + std::to_string(m_site.Port()) +
                                 " asks for your certificate, which tells the site who you are.",
                             "Alice", "Issued by Test authority of people",
-                            "Valid from 01/01/20 to 01/01/20", "On alice", "Cancel",
+                            "Valid from 2020-01-01 to 2120-01-01", "On alice", "Cancel",
                             "Use This Certificate"));
     EXPECT_THAT(m_site.Requests(), IsEmpty());
 }

@@ -15,12 +15,12 @@ constexpr int kListWidth = 480;
 constexpr int kListHeight = 220;
 constexpr int kRowMargin = 6;
 
-// As the person's locale writes it.
+// With the whole year, which many locales leave out: certificates can hold for decades.
 std::string DateOf(std::time_t time) {
     const std::unique_ptr<GDateTime, decltype(&g_date_time_unref)> date(
         g_date_time_new_from_unix_local(time), g_date_time_unref);
     const std::unique_ptr<gchar, decltype(&g_free)> text(
-        date ? g_date_time_format(date.get(), "%x") : nullptr, g_free);
+        date ? g_date_time_format(date.get(), "%F") : nullptr, g_free);
     return text ? text.get() : "";
 }
 
