@@ -159,6 +159,17 @@ INSTANTIATE_TEST_SUITE_P(Site, WindowCertificateSiteTest, testing::ValuesIn(kSit
 
 // What is offered.
 
+TEST_F(WindowCertificateTest, IsAskedForOnceTheCardIsThere) {
+    Visit(m_site);
+    ASSERT_TRUE(WaitForResults(1));
+    m_tokens.Insert({"alice"});
+    Visit(m_site);
+    UseCertificate();
+    GivePin("1234");
+    ASSERT_TRUE(WaitForResults(2));
+    EXPECT_THAT(Results(), ElementsAre("error_unknown", "success"));
+}
+
 TEST_F(WindowCertificateTest, IsConfirmedEvenIfThereIsOnlyOne) {
     m_tokens.Insert({"alice"});
     Visit(m_site);

@@ -162,7 +162,9 @@ void CCertificateRequests::Desk::askForCertificate() {
     m_listing.emplace([this](const std::vector<TokenCertificate>& certificates) {
         m_listing.reset();
         if (certificates.empty()) {
-            choose(std::nullopt);
+            // No choice of the person's: the card may come later.
+            refuse(take().get());
+            serve();
             return;
         }
         m_certificateDialog.emplace(
