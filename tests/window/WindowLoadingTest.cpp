@@ -68,8 +68,10 @@ TEST_F(WindowLoadingTest, ASlowFirstPageShowsALineUntilItIsThere) {
 TEST_F(WindowLoadingTest, TheLineTakesNoRoomFromThePage) {
     m_server.ServeOnRelease("/picture", {200, "", "image/png"});
     ShowBody("/page", std::string(kGreenBody));
+    // The engine draws a page that has not finished only if there is something in it.
     ServeBody("/next",
-              "<body style='background: #20a040'><img src='/picture' style='display: none'>");
+              "<body style='background: #20a040'><canvas></canvas>"
+              "<img src='/picture' style='display: none'>");
     Send(Operation::Browse(m_server.Url("/next"), "never").Shown());
     ASSERT_TRUE(WaitForRequest("/picture"));
     EXPECT_TRUE(RunMainLoopUntil([&] {

@@ -1,6 +1,7 @@
 #include "LoadIndicator.h"
 
 #include <cassert>
+#include <cmath>
 
 #include "MainLoopSource.h"
 #include "MainThread.h"
@@ -102,7 +103,7 @@ gboolean CLoadIndicator::onDraw(GtkWidget* window, cairo_t* picture, CLoadIndica
         GtkAllocation view;
         gtk_widget_get_allocation(GTK_WIDGET(self->m_webView), &view);
         const double part = webkit_web_view_get_estimated_load_progress(self->m_webView);
-        const double length = view.width * part;
+        const double length = std::round(view.width * part);
         const bool isRightToLeft = gtk_widget_get_direction(window) == GTK_TEXT_DIR_RTL;
         gdk_cairo_set_source_rgba(picture, &colour);
         cairo_rectangle(picture, isRightToLeft ? view.x + view.width - length : view.x, view.y,
