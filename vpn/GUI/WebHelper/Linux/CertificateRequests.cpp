@@ -68,6 +68,8 @@ public:
     Desk(const Desk&) = delete;
     Desk& operator=(const Desk&) = delete;
 
+    void OnPageOver();
+
 private:
     using RequestPtr = GObjectPtr<WebKitAuthenticationRequest>;
     /// Nothing means that the person goes without one.
@@ -105,6 +107,9 @@ private:
     std::optional<CCertificateDialog> m_certificateDialog;
     std::optional<CPinDialog> m_pinDialog;
     PinTries m_tries;
+    // Until the next load has started, what comes belongs to the page before, or is taken back by
+    // the engine.
+    bool m_isPageOver = false;
     // A request was cancelled, and the engine cancels the load with it, if it is the page's.
     bool m_isLoadLost = false;
     std::string m_lostUri;
@@ -128,6 +133,12 @@ CCertificateRequests::Desk::~Desk() {
     RemoveSource(m_loadAgainSource);
 }
 
+void CCertificateRequests::Desk::OnPageOver() {
+    assert(IsMainThread());
+    m_isPageOver = true;
+    refuseAll();
+}
+
 gboolean CCertificateRequests::Desk::onAuthenticate(WebKitWebView* webView,
                                                     WebKitAuthenticationRequest* request,
                                                     Desk* self) {
@@ -145,7 +156,8 @@ gboolean CCertificateRequests::Desk::onAuthenticate(WebKitWebView* webView,
 }
 
 void CCertificateRequests::Desk::serve() {
-    while (!m_requests.empty() && !m_listing && !m_certificateDialog && !m_pinDialog) {
+    while (!m_isPageOver && !m_requests.empty() && !m_listing && !m_certificateDialog &&
+           !m_pinDialog) {
         WebKitAuthenticationRequest* const request = m_requests.front().get();
         const auto known = m_choices.find(SiteOf(request));
         if (IsForCertificate(request)) {
@@ -275,6 +287,7 @@ void CCertificateRequests::Desk::onLoadChanged(WebKitWebView* /*webView*/, WebKi
     if (event == WEBKIT_LOAD_STARTED) {
         // They belong to the page before.
         self->refuseAll();
+        self->m_isPageOver = false;
         RemoveSource(self->m_loadAgainSource);
     } else if (event == WEBKIT_LOAD_COMMITTED) {
         self->m_isLoadLost = false;
@@ -312,6 +325,10 @@ CCertificateRequests::CCertificateRequests(GtkWindow* window, WebKitWebView* web
     : m_desk(std::make_unique<Desk>(window, webView, journal)) {}
 
 CCertificateRequests::~CCertificateRequests() = default;
+
+void CCertificateRequests::OnPageOver() {
+    m_desk->OnPageOver();
+}
 
 // When a program asks for a load, the engine connects beforehand, and the load waits for that. But
 // such a connection cannot ask for a certificate: the load would wait for ten seconds and then

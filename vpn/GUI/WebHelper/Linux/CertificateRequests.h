@@ -23,6 +23,10 @@ public:
     CCertificateRequests(const CCertificateRequests&) = delete;
     CCertificateRequests& operator=(const CCertificateRequests&) = delete;
 
+    /// The page gives way to the next operation's page. Its question goes, and until the next load
+    /// has started, nothing is asked.
+    void OnPageOver();
+
 private:
     class Desk;
     std::unique_ptr<Desk> m_desk;

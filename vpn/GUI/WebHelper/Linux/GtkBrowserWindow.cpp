@@ -552,6 +552,7 @@ void GtkBrowserWindow::LoadPage(const std::string& url, const std::string& final
     if (!userAgent.empty()) {
         updateUserAgent(userAgent);
     }
+    m_parts->certificateRequests->OnPageOver();
     m_parts->pageGuard->OnPageOver();
     m_parts->pageCurtain->Close();
     m_parts->operation.Begin(url, finalUrl, {cookieName, errorCookieName});

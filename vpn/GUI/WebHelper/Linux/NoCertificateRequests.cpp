@@ -9,6 +9,8 @@ CCertificateRequests::CCertificateRequests(GtkWindow* /*window*/, WebKitWebView*
 
 CCertificateRequests::~CCertificateRequests() = default;
 
+void CCertificateRequests::OnPageOver() {}
+
 void LoadPageThatMayAsk(WebKitWebView* webView, const std::string& uri) {
     webkit_web_view_load_uri(webView, uri.c_str());
 }
