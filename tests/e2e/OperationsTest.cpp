@@ -185,7 +185,7 @@ TEST_F(Operations, ResetSaysReadyAgainAndHidesTheWindow) {
 
 TEST_F(Operations, ResetGivesTheWindowItsFirstSizeWhateverItsUserDoesMeanwhile) {
     const BusyProcessors busy;
-    for (int round = 0; round < 10; ++round) {
+    for (int round = 0; round < 4; ++round) {
         const XWindow window = ShowWaitingPage();
         Send(R"({"operation":"reset"})");
         m_screen.Place(window, {140, 100, 700, 450});

@@ -12,7 +12,7 @@ namespace {
 constexpr const char* kReset = R"({"operation":"reset"})";
 constexpr const char* kTerminate = R"({"operation":"terminate"})";
 
-constexpr int kRounds = 30;
+constexpr int kRounds = 10;
 
 /// Several operations as the bytes of one segment.
 std::string Segment(const std::vector<std::string>& operations) {
