@@ -5,12 +5,11 @@
 #include <set>
 #include <string>
 
+#include "AccessibilityBus.h"
 #include "Certificates.h"
 #include "HelperProgram.h"
 #include "HelperTest.h"
 #include "ProcessFamily.h"
-#include "ProgramRun.h"
-#include "SessionBus.h"
 #include "TestTokens.h"
 #include "WaitUntil.h"
 
@@ -76,22 +75,7 @@ protected:
 /// The same on a desktop with a screen reader.
 class CertificateAccessibility : public Certificate {
 protected:
-    void LaunchForAll() {
-        LaunchAndAwaitReady(
-            {{"DBUS_SESSION_BUS_ADDRESS", m_bus.Address()}, {"NO_AT_BRIDGE", std::nullopt}});
-    }
-
-    /// The objects on the accessibility bus, one a line.
-    [[nodiscard]] std::string PrintTree() const {
-        LaunchCommand command;
-        command.arguments = {"/usr/bin/python3", TK_ACCESSIBLE_TREE};
-        command.environment = {{"DBUS_SESSION_BUS_ADDRESS", m_bus.Address()}};
-        const ProgramRun run = RunProgram(command);
-        EXPECT_EQ(run.end, "exited with status 0") << run.errors;
-        return run.output;
-    }
-
-    SessionBus m_bus{{}, {"org.a11y.Bus"}};
+    AccessibilityBus m_bus;
 };
 
 }  // namespace
@@ -175,10 +159,10 @@ TEST_F(Certificate, TheProgramEndsAtOnceWhileATokenSigns) {
 }
 
 TEST_F(CertificateAccessibility, ReadsTheQuestion) {
-    ASSERT_NO_FATAL_FAILURE(LaunchForAll());
+    ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady(m_bus.ForProgram()));
     Visit();
     AwaitDialog("Choose a Certificate");
-    const std::string tree = PrintTree();
+    const std::string tree = m_bus.PrintTree();
     EXPECT_THAT(tree, HasSubstr("dialog|Choose a Certificate|"));
     EXPECT_THAT(tree, HasSubstr("The site 127.0.0.1:" + std::to_string(m_site.Port()) +
                                 " asks for your certificate"));
@@ -188,13 +172,13 @@ TEST_F(CertificateAccessibility, ReadsTheQuestion) {
 }
 
 TEST_F(CertificateAccessibility, ReadsTheQuestionForThePinButNotThePin) {
-    ASSERT_NO_FATAL_FAILURE(LaunchForAll());
+    ASSERT_NO_FATAL_FAILURE(LaunchAndAwaitReady(m_bus.ForProgram()));
     Visit();
     AwaitDialog("Choose a Certificate");
     m_screen.Press({kReturn});
     AwaitDialog("Enter the PIN");
     m_screen.Type("12");
-    const std::string tree = PrintTree();
+    const std::string tree = m_bus.PrintTree();
     EXPECT_THAT(tree, HasSubstr("dialog|Enter the PIN|"));
     EXPECT_THAT(tree, HasSubstr("label|Enter the PIN of alice.|"));
     EXPECT_THAT(tree, HasSubstr("password text|"));
