@@ -46,6 +46,16 @@ ptree ParseJson(const std::string& text) {
     return tree;
 }
 
+// The library's own error names the type in another way in each version, and the log must not.
+std::int32_t LevelOf(const ptree& value) {
+    const auto level = value.get_value_optional<std::int32_t>();
+    if (!level) {
+        throw boost::property_tree::ptree_bad_data("conversion of data to type \"i\" failed",
+                                                   value.data());
+    }
+    return *level;
+}
+
 }  // namespace
 
 ResultCode CAppLogCustomConfig::getConfigurationFilePath(std::string& path) {
@@ -101,7 +111,7 @@ ResultCode CAppLogCustomConfig::loadConfigurationFromFile(ComponentTable& table)
                 TK_LOG_ERROR("Skipping entry because of unknown component: %s.", name.c_str());
                 continue;
             }
-            const auto level = value.get_value<std::int32_t>();
+            const std::int32_t level = LevelOf(value);
             if (static_cast<std::uint32_t>(level) <= kHighestLevel) {
                 table[component] = level;
             } else {
