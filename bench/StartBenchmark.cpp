@@ -22,7 +22,7 @@ const char* HowShown(bool show) {
 void StartHelper(TimedPages& pages, bool show, const std::string& name = "Ours",
                  const Environment& environment = {}) {
     EmptyHome();
-    const std::string url = pages.NewPage();
+    const std::string url = pages.NewReportingPage();
     MeasuredHelper helper(environment);
     helper.Browse(url, show);
     const Moment start = helper.Process().Start();
@@ -37,7 +37,7 @@ void StartUnconfinedHelper(TimedPages& pages) {
 
 void StartFloor(TimedPages& pages, bool show) {
     EmptyHome();
-    const std::string url = pages.NewPage();
+    const std::string url = pages.NewReportingPage();
     MeasuredFloor floor(show ? std::vector<std::string>{"--show", url}
                              : std::vector<std::string>{url});
     const Moment start = floor.Process().Start();
@@ -47,7 +47,7 @@ void StartFloor(TimedPages& pages, bool show) {
 
 void StartBrowser(TimedPages& pages, const std::string& name, const std::string& path) {
     EmptyHome();
-    const std::string url = pages.NewPage();
+    const std::string url = pages.NewReportingPage();
     const MeasuredProcess browser({path, url});
     ReportPage(HowShown(true), name, browser.Start(), pages, url);
 }

@@ -7,10 +7,12 @@
 namespace {
 
 constexpr char kPage[] = "/page";
+constexpr char kReportingPage[] = "/reporting";
 constexpr char kCookiePage[] = "/cookie";
 constexpr char kLoaded[] = "/loaded";
 
-const std::string kBody =
+constexpr char kBody[] = "hello";
+constexpr char kReportingBody[] =
     "<script>addEventListener('load', () => fetch('/loaded' + location.search));</script>hello";
 
 // From the query on. Each page has its own query.
@@ -25,6 +27,10 @@ TimedPages::TimedPages() {
         Note(QueryOf(exchange.Request().target));
         exchange.Respond({200, kBody});
     });
+    m_server.Handle(kReportingPage, [this](HttpExchange& exchange) {
+        Note(QueryOf(exchange.Request().target));
+        exchange.Respond({200, kReportingBody});
+    });
     m_server.Handle(kCookiePage, [this](HttpExchange& exchange) {
         const std::string query = QueryOf(exchange.Request().target);
         Note(query);
@@ -38,6 +44,10 @@ TimedPages::TimedPages() {
 
 std::string TimedPages::NewPage() {
     return m_server.Url(std::string(kPage) + "?" + std::to_string(++m_pages));
+}
+
+std::string TimedPages::NewReportingPage() {
+    return m_server.Url(std::string(kReportingPage) + "?" + std::to_string(++m_pages));
 }
 
 std::string TimedPages::NewPageWithCookie() {
