@@ -17,7 +17,8 @@ constexpr char kTellingPage[] = R"(
   const style = getComputedStyle(text);
   fetch(`/told?dark=${is('(prefers-color-scheme: dark)')}` +
         `&reduced=${is('(prefers-reduced-motion: reduce)')}` +
-        `&font=${style.fontFamily},${style.fontSize}`).then(() => location = '/end');
+        `&font=${style.fontFamily.replaceAll('"', '')},${style.fontSize}`)
+      .then(() => location = '/end');
 </script>
 )";
 
