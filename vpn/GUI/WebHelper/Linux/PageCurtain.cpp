@@ -36,6 +36,15 @@ bool IsInputOf(GtkWidget* webView, GdkEvent* event) {
     }
 }
 
+// The engine makes no further picture until it has drawn the last one somewhere.
+void DrawUnseen(GtkWidget* webView) {
+    cairo_surface_t* const pixel = cairo_image_surface_create(CAIRO_FORMAT_RGB24, 1, 1);
+    cairo_t* const picture = cairo_create(pixel);
+    GTK_WIDGET_GET_CLASS(webView)->draw(webView, picture);
+    cairo_destroy(picture);
+    cairo_surface_destroy(pixel);
+}
+
 }  // namespace
 
 CPageCurtain::CPageCurtain(WebKitWebView* webView) : m_webView(webView) {
@@ -102,6 +111,7 @@ gboolean CPageCurtain::onDraw(GtkWidget* webView, cairo_t* picture, CPageCurtain
     if (!self->m_isClosed) {
         return FALSE;
     }
+    DrawUnseen(webView);
     gtk_container_forall(
         GTK_CONTAINER(webView),
         [](GtkWidget* dialog, gpointer data) {
