@@ -21,7 +21,7 @@ if [ "$("$root/scripts/engine-api.sh")" = 4.0 ]; then
     run_suites release-4.1 --tests-regex \
         '^(page_rules|window_cookie_header|window_certificate|e2e_certificate)_tests\.'
     TK_HELPER="$root/build/release-4.1/bin/tkwebhelper" \
-        GTEST_FILTER='LoadedLibraries.*:Operations.*:Proxy.*:Replacement.*' \
+        GTEST_FILTER='AgentsTraps.*:LoadedLibraries.*:Operations.*:Proxy.*:Replacement.*' \
         run_suites release --tests-regex '^e2e_tests\.'
 fi
 "$root/scripts/check-documents.sh"

@@ -42,6 +42,7 @@ TEST_F(AgentsTraps, TheFinalUrlMustBeInTheEnginesSpelling) {
         {"/a%20b", m_server.Url("/a b"), m_server.Url("/a%20b")},
         {"/%C3%BC", m_server.Url("/ü"), m_server.Url("/%C3%BC")},
         {"/page", m_server.Url("/page", "LOCALHOST"), m_server.Url("/page", "localhost")},
+        {"/page", m_server.Url("/page", "ü.localhost"), m_server.Url("/page", "xn--tda.localhost")},
         {"/", m_server.Url(""), m_server.Url("/")},
     };
     for (const auto& [path, given, engines] : addresses) {

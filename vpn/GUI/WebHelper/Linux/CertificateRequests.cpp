@@ -3,6 +3,7 @@
 #include <libsoup/soup.h>
 
 #include <algorithm>
+#include <array>
 #include <cassert>
 #include <deque>
 #include <map>
@@ -56,6 +57,22 @@ PinTries::Left TriesLeft(WebKitAuthenticationRequest* request) {
         return PinTries::Left::one;
     }
     return (flags & G_TLS_PASSWORD_MANY_TRIES) != 0 ? PinTries::Left::few : PinTries::Left::enough;
+}
+
+// An address that a view is given is UTF-8. A request takes each of its bytes for a character.
+std::string Escaped(const std::string& uri) {
+    std::string escaped;
+    for (const char byte : uri) {
+        const auto code = static_cast<unsigned char>(byte);
+        if (code < 0x80) {
+            escaped += byte;
+        } else {
+            std::array<char, 4> text{};
+            g_snprintf(text.data(), text.size(), "%%%02X", code);
+            escaped += text.data();
+        }
+    }
+    return escaped;
 }
 
 }  // namespace
@@ -335,7 +352,7 @@ void CCertificateRequests::OnPageOver() {
 // fail. It waits only for a connection that has its own user agent. So the request is given another
 // one, which the engine replaces by the right one before it sends the request.
 void LoadPageThatMayAsk(WebKitWebView* webView, const std::string& uri) {
-    const GObjectPtr<WebKitURIRequest> request(webkit_uri_request_new(uri.c_str()));
+    const GObjectPtr<WebKitURIRequest> request(webkit_uri_request_new(Escaped(uri).c_str()));
     SoupMessageHeaders* const headers = webkit_uri_request_get_http_headers(request.get());
     if (headers != nullptr) {
         soup_message_headers_replace(headers, "User-Agent", "none");
