@@ -133,6 +133,9 @@ TEST_F(WindowProcessesTest, EachReasonIsTold) {
 
 TEST_F(WindowProcessesTest, ANetworkProcessThatDiesDuringALoadEndsTheOperation) {
     LoseBeforeTheCommit(EngineProcess::network);
+    EXPECT_THAT(LogLines(),
+                ElementsAre("E Failed to load page: WebKit encountered an internal error, URI = " +
+                            m_server.Url("/hang")));
     ExpectGoodPage(1);
 }
 
