@@ -1,11 +1,15 @@
 #include "HelperTest.h"
 
+#include <sys/prctl.h>
+#include <unistd.h>
+
 #include <cstdlib>
 #include <filesystem>
 #include <sstream>
 
 #include "HelperProgram.h"
 #include "JournalRecords.h"
+#include "ProcessFamily.h"
 #include "TemporaryFolder.h"
 #include "WaitUntil.h"
 
@@ -74,6 +78,11 @@ std::string OperationText(const std::vector<std::pair<std::string, std::string>>
 }
 
 HelperTest::HelperTest() : m_screen(std::getenv("DISPLAY")) {
+    // A network process that was just starting when its program ended would otherwise make its
+    // store in this case's data folder. Such orphans become children of this process.
+    EXPECT_EQ(prctl(PR_SET_CHILD_SUBREAPER, 1), 0);
+    EXPECT_TRUE(
+        PollUntil([] { return DescendantsRunning(getpid(), "WebKitNetworkProcess").empty(); }));
     std::filesystem::remove_all("/opt/velto");
     std::filesystem::remove_all(DataFolder());
     std::string reason;
