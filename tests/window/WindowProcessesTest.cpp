@@ -49,6 +49,25 @@ protected:
     }
 };
 
+/// Stops the web processes. Kills them in the end, because engine 2.54 leaves a stopped one behind.
+class StoppedWebProcesses {
+public:
+    StoppedWebProcesses() { Signal(SIGSTOP); }
+    ~StoppedWebProcesses() { Signal(SIGKILL); }
+
+    StoppedWebProcesses(const StoppedWebProcesses&) = delete;
+    StoppedWebProcesses& operator=(const StoppedWebProcesses&) = delete;
+
+private:
+    void Signal(int number) const {
+        for (const pid_t process : m_processes) {
+            kill(process, number);
+        }
+    }
+
+    const std::set<pid_t> m_processes = FindEngineProcesses(EngineProcess::web);
+};
+
 }  // namespace
 
 TEST_F(WindowProcessesTest, AWebProcessThatDiesBeforeTheCommitEndsTheOperation) {
@@ -93,9 +112,7 @@ TEST_F(WindowProcessesTest, ALoadThatIsLostWithTheDyingProcessIsAskedForAgain) {
 
 TEST_F(WindowProcessesTest, AProcessThatFrozeBetweenOperationsDoesNotHoldUpTheNext) {
     ExpectGoodPage(0);
-    for (const pid_t process : FindEngineProcesses(EngineProcess::web)) {
-        ASSERT_EQ(kill(process, SIGSTOP), 0);
-    }
+    const StoppedWebProcesses stopped;
     // The engine notices when it has asked something of the process.
     webkit_web_view_stop_loading(View());
     ASSERT_TRUE(RunMainLoopUntil(
