@@ -1,13 +1,15 @@
 #!/usr/bin/env python3
 """Turns the output of the benchmarks into tables of medians and ratios.
 
-    tabulate.py FILE...
+    tabulate.py [--beside FOLDER] FILE...
 
 A file holds samples of one program: Google Benchmark's JSON (.json), or lines of "measure, program,
 value, unit" with tabulators between them (.tsv). "Ours" is compared with every other program that
-was measured the same way.
+was measured the same way. Samples of the same name in the folder, which is named for the system
+that they come from, make more columns.
 """
 
+import argparse
 import json
 import pathlib
 import re
@@ -65,32 +67,45 @@ def text_of(median, unit):
     return f"{median:,.{0 if median >= 1000 else 1 if median >= 10 else 2}f} {unit}".strip()
 
 
-def rows(measure, programs):
-    if OURS not in programs:
-        sys.exit(f"{measure}: nothing of ours was measured")
-    ours, unit = programs[OURS]
-    others = {name: value for name, value in programs.items() if name != OURS}
-    if not others:
-        yield measure, text_of(ours, unit), "", "", ""
-    for name, (median, other_unit) in others.items():
-        ratio = f"{ours / median:.2f}" if median else ""
-        yield measure, text_of(ours, unit), name, text_of(median, other_unit), ratio
-
-
-def table(path):
+def rows(path):
+    """Returns {(measure, peer): (ours, the peer's, ratio)}, all as texts."""
     read = samples_of_functions if path.suffix == ".json" else samples_of_processes
-    yield "| measured | tkwebhelper | against | that | ratio |"
-    yield "|---|--:|---|--:|--:|"
+    result = {}
     for measure, programs in medians(read(path)).items():
-        for row in rows(measure, programs):
-            yield "| " + " | ".join(row) + " |"
+        if OURS not in programs:
+            sys.exit(f"{measure}: nothing of ours was measured")
+        ours, unit = programs.pop(OURS)
+        if not programs:
+            result[measure, ""] = text_of(ours, unit), "", ""
+        for name, (median, other_unit) in programs.items():
+            ratio = f"{ours / median:.2f}" if median else ""
+            result[measure, name] = text_of(ours, unit), text_of(median, other_unit), ratio
+    return result
+
+
+def table(path, beside):
+    head = ["measured", "tkwebhelper", "against", "that", "ratio"]
+    others = {}
+    if beside and (beside / path.name).exists():
+        others = rows(beside / path.name)
+        head += [f"{beside.name}: tkwebhelper", "that", "ratio"]
+    yield "| " + " | ".join(head) + " |"
+    yield "|" + "|".join("---" if name in ("measured", "against") else "--:" for name in head) + "|"
+    for (measure, peer), (ours, that, ratio) in rows(path).items():
+        cells = [measure, ours, peer, that, ratio]
+        if others:
+            cells += others.get((measure, peer), ("", "", ""))
+        yield "| " + " | ".join(cells) + " |"
 
 
 def main():
-    for name in sys.argv[1:]:
-        path = pathlib.Path(name)
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--beside", type=pathlib.Path)
+    parser.add_argument("files", type=pathlib.Path, nargs="+")
+    arguments = parser.parse_args()
+    for path in arguments.files:
         print(f"\n## {path.stem.replace('_', ' ').capitalize()}\n")
-        print("\n".join(table(path)))
+        print("\n".join(table(path, arguments.beside)))
 
 
 main()
