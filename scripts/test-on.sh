@@ -8,7 +8,7 @@
 #                                       package  packing with lintian, and in another bare system
 #                                                installation, a sign-in and removal
 #
-# Needs root and debootstrap, an hour on two processors and 6 GB in TMPDIR, by default /var/tmp.
+# Needs root and debootstrap, half an hour on two processors and 6 GB in TMPDIR, by default /var/tmp.
 # Packages come from where this system takes its own. This system's apt also says which proxy there
 # is, and whether lists may have expired: APT_CONFIG can name a file with such options.
 set -euo pipefail
