@@ -11,6 +11,7 @@
 namespace {
 
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 
 using Version = TlsIdentity::Version;
@@ -490,6 +491,13 @@ TEST_F(WindowCertificateTest, IsAskedForInTheMiddleOfAConnectionAsWell) {
     });
     m_tokens.Insert({"alice"});
     Visit(site);
+    // GLib's TLS module of that time takes no second handshake any more.
+    if (glib_check_version(2, 90, 0) == nullptr) {
+        ASSERT_TRUE(WaitForResults(1));
+        EXPECT_THAT(Results(), ElementsAre("error_unknown"));
+        EXPECT_THAT(LogLines(), ElementsAre(HasSubstr("Rehandshake was requested by the peer")));
+        return;
+    }
     UseCertificate();
     GivePin("1234");
     ASSERT_TRUE(WaitForResults(1));
