@@ -19,7 +19,7 @@ public:
     /// The address of a page that nobody has requested yet.
     [[nodiscard]] std::string NewPage();
     /// The same for a page that reports its load event, by a request. Only for the last page of a
-    /// process: if the next load interrupts this request, libsoup 3.6.5 now and then frees it
+    /// process: if the next load interrupts this request, libsoup 3.6.5 now and then ends it
     /// twice, and the engine's network process dies.
     [[nodiscard]] std::string NewReportingPage();
     /// The same for a page that sets the cookie "session".
