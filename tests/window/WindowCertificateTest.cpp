@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "CertificateTest.h"
+#include "NewestQuestion.h"
 
 namespace {
 
@@ -18,14 +19,6 @@ using Version = TlsIdentity::Version;
 
 class WindowCertificateTest : public CertificateTest {
 protected:
-    /// An emission hook that keeps the engine's last request for a password or a certificate.
-    static gboolean keepRequest(GSignalInvocationHint* /*hint*/, guint /*count*/,
-                                const GValue* values, gpointer request) {
-        static_cast<GObjectPtr<WebKitAuthenticationRequest>*>(request)->reset(
-            WEBKIT_AUTHENTICATION_REQUEST(g_value_dup_object(&values[1])));
-        return TRUE;
-    }
-
     /// Keeps a picture of the screen once the dialog of this title has been drawn, to its end.
     void KeepDrawn(const std::string& name, const std::string& title) const {
         Screenshot before;
@@ -384,6 +377,10 @@ TEST_P(WindowCertificateDialogTest, GoesWithTheWindow) {
     EXPECT_THAT(Results(), ElementsAre("cancel"));
     EXPECT_TRUE(WaitUntilAlone());
     EXPECT_TRUE(WaitUntilHidden());
+    // The page is not loaded again without a certificate.
+    EXPECT_TRUE(RunMainLoopUntil([&] { return webkit_web_view_is_loading(View()) == FALSE; }));
+    RunPendingEvents();
+    EXPECT_FALSE(webkit_web_view_is_loading(View()));
     EXPECT_THAT(m_site.Requests(), IsEmpty());
 }
 
@@ -405,6 +402,18 @@ TEST_P(WindowCertificateDialogTest, GoesWithTheNextOperation) {
     EXPECT_THAT(m_site.Requests(), IsEmpty());
 }
 
+TEST_P(WindowCertificateDialogTest, LoadsNoPageAgainThatGoesWithTheNextOperation) {
+    ShowDialog();
+    const std::string started = "STARTED " + m_site.Url("/page");
+    const auto before = std::count(m_loads.All().begin(), m_loads.All().end(), started);
+    m_server.Serve("/other", {200, "other", "text/html", {{"Set-Cookie", "sid=1"}}});
+    // Its own load waits until the store has been asked.
+    Send(Operation::BrowseForCookie(m_server.Url("/other"), m_server.Url("/other"), "sid").Shown());
+    ASSERT_TRUE(WaitForResults(1));
+    EXPECT_THAT(Results(), ElementsAre("success_with_cookie 1"));
+    EXPECT_EQ(std::count(m_loads.All().begin(), m_loads.All().end(), started), before);
+}
+
 TEST_P(WindowCertificateDialogTest, SurvivesThatTheTokenIsPulledOut) {
     ShowDialog();
     m_tokens.Insert({});
@@ -421,17 +430,12 @@ TEST_P(WindowCertificateDialogTest, SurvivesThatTheTokenIsPulledOut) {
 INSTANTIATE_TEST_SUITE_P(Asking, WindowCertificateDialogTest,
                          testing::Values(Asked::ForCertificate, Asked::ForPin), NameOfDialog);
 
-// As the engine does by itself, now and then, when it asks before it tells that the load has
-// started.
 TEST_F(WindowCertificateTest, IsAskedForAgainIfTheEngineGivesTheRequestUp) {
     m_tokens.Insert({"alice"});
-    GObjectPtr<WebKitAuthenticationRequest> request;
-    const guint signal = g_signal_lookup("authenticate", WEBKIT_TYPE_WEB_VIEW);
-    const gulong hook = g_signal_add_emission_hook(signal, 0, keepRequest, &request, nullptr);
+    NewestQuestion question;
     Visit(m_site);
     ASSERT_NE(AwaitDialog(kCertificateTitle), nullptr);
-    g_signal_remove_emission_hook(signal, hook);
-    webkit_authentication_request_cancel(request.get());
+    question.Cancel();
     EXPECT_EQ(FindDialog(kCertificateTitle), nullptr);
     UseCertificate();
     GivePin("1234");

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "NewestQuestion.h"
 #include "PictureTest.h"
 
 namespace {
@@ -59,11 +60,20 @@ protected:
         return texts;
     }
 
+    [[nodiscard]] bool WaitForText(const std::string& text) const {
+        return RunMainLoopUntil([&] {
+            const std::vector<std::string> texts = Texts();
+            return std::find(texts.begin(), texts.end(), text) != texts.end();
+        });
+    }
+
+    /// The different ones in turn: the page is requested again where the engine lost its question.
     [[nodiscard]] std::vector<std::string> Passwords() const {
         std::vector<std::string> passwords;
         for (const HttpRequest& request : m_server.Requests()) {
             passwords.push_back(request.Header("Authorization"));
         }
+        passwords.erase(std::unique(passwords.begin(), passwords.end()), passwords.end());
         return passwords;
     }
 
@@ -93,16 +103,23 @@ TEST_F(WindowPasswordTest, TheDialogOffersNothingToRemember) {
 TEST_F(WindowPasswordTest, TheDialogSaysThatTheFirstTryWasWrong) {
     ASSERT_NO_FATAL_FAILURE(AwaitDialog());
     Answer("name", "wrong");
-    ASSERT_TRUE(RunMainLoopUntil([&] {
-        const std::vector<std::string> texts = Texts();
-        return std::find(texts.begin(), texts.end(), kRefusal) != texts.end();
-    }));
+    ASSERT_TRUE(WaitForText(kRefusal));
     // The text makes it wider than the first one, whose picture may still be there.
     ASSERT_NO_FATAL_FAILURE(AwaitDialog(390));
     Keep("second", WindowPicture());
     Answer("name", "word");
     EXPECT_TRUE(RunMainLoopUntil([&] { return Passwords().back() == kRight; }));
     EXPECT_THAT(Passwords(), ElementsAre("", kWrong, kRight));
+}
+
+TEST_F(WindowPasswordTest, TheDialogComesAgainIfTheEngineGivesTheQuestionUp) {
+    NewestQuestion question;
+    ASSERT_NO_FATAL_FAILURE(AwaitDialog());
+    m_server.Serve("/locked",
+                   {401, "refused", "text/html", {{"WWW-Authenticate", "Basic realm=\"b\""}}});
+    question.Cancel();
+    EXPECT_TRUE(WaitForText("The site says: “b”"));
+    EXPECT_THAT(Results(), ElementsAre());
 }
 
 TEST_F(WindowPasswordTest, EscapeCancelsTheDialog) {

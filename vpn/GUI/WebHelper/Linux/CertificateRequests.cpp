@@ -14,7 +14,6 @@
 
 #include "CertificateDialog.h"
 #include "GObjectPtr.h"
-#include "MainLoopSource.h"
 #include "MainThread.h"
 #include "OperationJournal.h"
 #include "PinDialog.h"
@@ -109,9 +108,6 @@ private:
                                    Desk* self);
     static void onCancelled(WebKitAuthenticationRequest* request, Desk* self);
     static void onLoadChanged(WebKitWebView* webView, WebKitLoadEvent event, Desk* self);
-    static gboolean onLoadFailed(WebKitWebView* webView, WebKitLoadEvent event,
-                                 const char* failingUri, GError* error, Desk* self);
-    static gboolean onLoadAgain(gpointer self);
     static void onUnmap(GtkWidget* webView, Desk* self);
 
     GtkWindow* m_window;
@@ -127,10 +123,6 @@ private:
     // Until the next load has started, what comes belongs to the page before, or is taken back by
     // the engine.
     bool m_isPageOver = false;
-    // A request was cancelled, and the engine cancels the load with it, if it is the page's.
-    bool m_isLoadLost = false;
-    std::string m_lostUri;
-    guint m_loadAgainSource = 0;
 };
 
 CCertificateRequests::Desk::Desk(GtkWindow* window, WebKitWebView* webView,
@@ -139,7 +131,6 @@ CCertificateRequests::Desk::Desk(GtkWindow* window, WebKitWebView* webView,
     assert(IsMainThread());
     g_signal_connect(m_webView, "authenticate", G_CALLBACK(onAuthenticate), this);
     g_signal_connect(m_webView, "load-changed", G_CALLBACK(onLoadChanged), this);
-    g_signal_connect(m_webView, "load-failed", G_CALLBACK(onLoadFailed), this);
     g_signal_connect(m_webView, "unmap", G_CALLBACK(onUnmap), this);
 }
 
@@ -147,7 +138,6 @@ CCertificateRequests::Desk::~Desk() {
     assert(IsMainThread());
     g_signal_handlers_disconnect_by_data(m_webView, this);
     refuseAll();
-    RemoveSource(m_loadAgainSource);
 }
 
 void CCertificateRequests::Desk::OnPageOver() {
@@ -250,7 +240,6 @@ void CCertificateRequests::Desk::givePin(const char* pin) {
 void CCertificateRequests::Desk::goWithoutPin() {
     const RequestPtr request = take();
     m_choices[SiteOf(request.get())] = std::nullopt;
-    m_isLoadLost = true;
     refuse(request.get());
 }
 
@@ -292,7 +281,6 @@ void CCertificateRequests::Desk::onCancelled(WebKitAuthenticationRequest* reques
     self->m_requests.erase(
         std::find_if(self->m_requests.begin(), self->m_requests.end(),
                      [&](const RequestPtr& other) { return other.get() == request; }));
-    self->m_isLoadLost = true;
     if (isServed) {
         self->stopAsking();
         self->serve();
@@ -305,32 +293,7 @@ void CCertificateRequests::Desk::onLoadChanged(WebKitWebView* /*webView*/, WebKi
         // They belong to the page before.
         self->refuseAll();
         self->m_isPageOver = false;
-        RemoveSource(self->m_loadAgainSource);
-    } else if (event == WEBKIT_LOAD_COMMITTED) {
-        self->m_isLoadLost = false;
     }
-}
-
-gboolean CCertificateRequests::Desk::onLoadFailed(WebKitWebView* webView, WebKitLoadEvent /*event*/,
-                                                  const char* failingUri, GError* error,
-                                                  Desk* self) {
-    const bool isCancelled =
-        g_error_matches(error, WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED) != FALSE;
-    const bool isReplaced = webkit_web_view_is_loading(webView) != FALSE;
-    if (std::exchange(self->m_isLoadLost, false) && isCancelled && !isReplaced) {
-        self->m_lostUri = failingUri;
-        RemoveSource(self->m_loadAgainSource);
-        // Not before the engine has told that the lost load is over. Operations come later.
-        self->m_loadAgainSource = g_idle_add_full(G_PRIORITY_DEFAULT, onLoadAgain, self, nullptr);
-    }
-    return FALSE;
-}
-
-gboolean CCertificateRequests::Desk::onLoadAgain(gpointer self) {
-    Desk* const desk = static_cast<Desk*>(self);
-    desk->m_loadAgainSource = 0;
-    LoadPageThatMayAsk(desk->m_webView, desk->m_lostUri);
-    return G_SOURCE_REMOVE;
 }
 
 void CCertificateRequests::Desk::onUnmap(GtkWidget* /*webView*/, Desk* self) {

@@ -21,6 +21,7 @@
 #include "IPageOperationPort.h"
 #include "InstallRoot.h"
 #include "LoadIndicator.h"
+#include "LostQuestions.h"
 #include "MainLoopSource.h"
 #include "MainThread.h"
 #include "MsgCatalog.h"
@@ -164,6 +165,7 @@ struct GtkBrowserWindow::MainThreadParts {
     GObjectPtr<GtkAccelGroup> acceleratorGroup;
     COperationJournal journal;
     std::optional<CCertificateRequests> certificateRequests;
+    std::optional<CLostQuestions> lostQuestions;
     std::optional<CPageGuard> pageGuard;
     std::optional<CPageCurtain> pageCurtain;
     std::optional<CLoadIndicator> loadIndicator;
@@ -451,6 +453,7 @@ void GtkBrowserWindow::initWebView() {
     m_parts->webView.reset(WEBKIT_WEB_VIEW(g_object_ref_sink(widget)));
     connectWebViewSignals();
     GtkWindow* const window = GTK_WINDOW(m_parts->window.get());
+    m_parts->lostQuestions.emplace(m_parts->webView.get());
     m_parts->certificateRequests.emplace(window, m_parts->webView.get(), m_parts->journal);
     m_parts->pageGuard.emplace(m_parts->webView.get());
     CompletePasswordDialogs(m_parts->webView.get());
@@ -496,6 +499,7 @@ void GtkBrowserWindow::removeWebView() {
     m_parts->loadIndicator.reset();
     m_parts->pageCurtain.reset();
     m_parts->pageGuard.reset();
+    m_parts->lostQuestions.reset();
     m_parts->certificateRequests.reset();
     m_parts->operation.OnViewReplaced();
     m_parts->loadAfterRemoval.reset();
@@ -552,6 +556,7 @@ void GtkBrowserWindow::LoadPage(const std::string& url, const std::string& final
     if (!userAgent.empty()) {
         updateUserAgent(userAgent);
     }
+    m_parts->lostQuestions->OnPageOver();
     m_parts->certificateRequests->OnPageOver();
     m_parts->pageGuard->OnPageOver();
     m_parts->pageCurtain->Close();
