@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "CertificateRequests.h"
-#include "MainLoopSource.h"
 #include "MainThread.h"
 
 CLostQuestions::CLostQuestions(WebKitWebView* webView) : m_webView(webView) {
@@ -23,7 +22,7 @@ CLostQuestions::~CLostQuestions() {
 void CLostQuestions::OnPageOver() {
     assert(IsMainThread());
     forgetQuestions();
-    RemoveSource(m_loadAgainSource);
+    keepFromLoading();
 }
 
 void CLostQuestions::forgetQuestions() {
@@ -49,7 +48,7 @@ void CLostQuestions::onCancelled(WebKitAuthenticationRequest* /*question*/, CLos
 void CLostQuestions::onLoadChanged(WebKitWebView* /*webView*/, WebKitLoadEvent event,
                                    CLostQuestions* self) {
     if (event == WEBKIT_LOAD_STARTED) {
-        RemoveSource(self->m_loadAgainSource);
+        self->keepFromLoading();
     } else if (event == WEBKIT_LOAD_COMMITTED) {
         self->forgetQuestions();
     }
@@ -63,16 +62,44 @@ gboolean CLostQuestions::onLoadFailed(WebKitWebView* webView, WebKitLoadEvent /*
     const bool isSeen = gtk_widget_get_mapped(GTK_WIDGET(webView)) != FALSE;
     if (std::exchange(self->m_isQuestionLost, false) && isCancelled && !isReplaced && isSeen) {
         self->m_lostUri = failingUri;
-        RemoveSource(self->m_loadAgainSource);
-        // Not before the engine has told that the lost load is over. Operations come later.
-        self->m_loadAgainSource = g_idle_add_full(G_PRIORITY_DEFAULT, onLoadAgain, self, nullptr);
+        self->closeConnections();
     }
     return FALSE;
 }
 
-gboolean CLostQuestions::onLoadAgain(gpointer self) {
-    CLostQuestions* const questions = static_cast<CLostQuestions*>(self);
-    questions->m_loadAgainSource = 0;
+// That of the lost question goes on without a certificate, and libsoup 3.8 would take it for the
+// next load. The engine closes all when the proxy's settings change.
+void CLostQuestions::closeConnections() {
+    WebKitWebContext* const context = webkit_web_view_get_context(m_webView);
+    WebKitWebsiteDataManager* const manager = webkit_web_context_get_website_data_manager(context);
+    for (const auto mode :
+         {WEBKIT_NETWORK_PROXY_MODE_NO_PROXY, WEBKIT_NETWORK_PROXY_MODE_DEFAULT}) {
+        webkit_website_data_manager_set_network_proxy_settings(manager, mode, nullptr);
+    }
+    // The engine tells nothing of it. But its network process does one thing after the other, so
+    // any answer of that process will do. A load before that would be cancelled with the rest.
+    keepFromLoading();
+    m_closing.reset(g_cancellable_new());
+    webkit_cookie_manager_get_accept_policy(webkit_web_context_get_cookie_manager(context),
+                                            m_closing.get(), onConnectionsClosed, this);
+}
+
+void CLostQuestions::keepFromLoading() {
+    if (m_closing) {
+        g_cancellable_cancel(m_closing.get());
+        m_closing.reset();
+    }
+}
+
+void CLostQuestions::onConnectionsClosed(GObject* cookieManager, GAsyncResult* result,
+                                         gpointer self) {
+    GError* rawError = nullptr;
+    webkit_cookie_manager_get_accept_policy_finish(WEBKIT_COOKIE_MANAGER(cookieManager), result,
+                                                   &rawError);
+    const GErrorPtr error(rawError);
+    if (error && g_error_matches(error.get(), G_IO_ERROR, G_IO_ERROR_CANCELLED) != FALSE) {
+        return;  // another load has begun, or the object is gone
+    }
+    auto* const questions = static_cast<CLostQuestions*>(self);
     LoadPageThatMayAsk(questions->m_webView, questions->m_lostUri);
-    return G_SOURCE_REMOVE;
 }

@@ -25,6 +25,8 @@ public:
 
 private:
     void forgetQuestions();
+    void closeConnections();
+    void keepFromLoading();
 
     static gboolean onAuthenticate(WebKitWebView* webView, WebKitAuthenticationRequest* question,
                                    CLostQuestions* self);
@@ -32,7 +34,7 @@ private:
     static void onLoadChanged(WebKitWebView* webView, WebKitLoadEvent event, CLostQuestions* self);
     static gboolean onLoadFailed(WebKitWebView* webView, WebKitLoadEvent event,
                                  const char* failingUri, GError* error, CLostQuestions* self);
-    static gboolean onLoadAgain(gpointer self);
+    static void onConnectionsClosed(GObject* cookieManager, GAsyncResult* result, gpointer self);
 
     WebKitWebView* m_webView;
     // Of the page that is on its way, or shown.
@@ -41,5 +43,6 @@ private:
     // as well.
     bool m_isQuestionLost = false;
     std::string m_lostUri;
-    guint m_loadAgainSource = 0;
+    // Cancels the wait before the page is loaded again.
+    GObjectPtr<GCancellable> m_closing;
 };
