@@ -1,6 +1,7 @@
 #include "PageCurtain.h"
 
 #include <cassert>
+#include <memory>
 
 #include "MainLoopSource.h"
 #include "MainThread.h"
@@ -38,11 +39,11 @@ bool IsInputOf(GtkWidget* webView, GdkEvent* event) {
 
 // The engine makes no further picture until it has drawn the last one somewhere.
 void DrawUnseen(GtkWidget* webView) {
-    cairo_surface_t* const pixel = cairo_image_surface_create(CAIRO_FORMAT_RGB24, 1, 1);
-    cairo_t* const picture = cairo_create(pixel);
-    GTK_WIDGET_GET_CLASS(webView)->draw(webView, picture);
-    cairo_destroy(picture);
-    cairo_surface_destroy(pixel);
+    const std::unique_ptr<cairo_surface_t, void (*)(cairo_surface_t*)> pixel(
+        cairo_image_surface_create(CAIRO_FORMAT_RGB24, 1, 1), cairo_surface_destroy);
+    const std::unique_ptr<cairo_t, void (*)(cairo_t*)> picture(cairo_create(pixel.get()),
+                                                               cairo_destroy);
+    GTK_WIDGET_GET_CLASS(webView)->draw(webView, picture.get());
 }
 
 }  // namespace
