@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "CertificateTest.h"
+#include "CookieQueries.h"
 #include "NewestQuestion.h"
 
 namespace {
@@ -393,7 +394,7 @@ TEST_P(WindowCertificateDialogTest, GoesWithTheWindow) {
     EXPECT_TRUE(WaitUntilHidden());
     // The page is not loaded again without a certificate.
     EXPECT_TRUE(RunMainLoopUntil([&] { return webkit_web_view_is_loading(View()) == FALSE; }));
-    RunPendingEvents();
+    ASSERT_TRUE(WaitForCookieQueries(View()));
     EXPECT_FALSE(webkit_web_view_is_loading(View()));
     EXPECT_THAT(m_site.Requests(), IsEmpty());
 }
