@@ -556,6 +556,7 @@ void GtkBrowserWindow::LoadPage(const std::string& url, const std::string& final
     if (!userAgent.empty()) {
         updateUserAgent(userAgent);
     }
+    // First: the page whose question is refused behind this must not be loaded again.
     m_parts->lostQuestions->OnPageOver();
     m_parts->certificateRequests->OnPageOver();
     m_parts->pageGuard->OnPageOver();
